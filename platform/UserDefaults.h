@@ -1,0 +1,37 @@
+// The user's preferences.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "platform/PropertyList.h"
+
+namespace ns {
+
+/// The application's preferences: what the user stored, with the system's defaults behind it. Abstract because tests
+/// keep theirs in memory. Main thread only. Nothing here fails towards the caller: a value that cannot be stored is
+/// logged by the backing and what was stored before stays.
+class UserDefaults {
+ public:
+  static std::shared_ptr<UserDefaults> standardUserDefaults();
+  virtual ~UserDefaults() = default;
+
+  /// The value in the first domain that has the key; none when no domain has it.
+  virtual std::optional<PropertyList> objectForKey(std::string_view key) const = 0;
+  /// Stores in the user's domain, at once.
+  virtual void setObject(PropertyList value, std::string_view key) = 0;
+
+  /// True for true, a number other than 0, and a text that starts, after white space and a sign and zeros, with Y, y,
+  /// T, t or a digit from 1 to 9; false for anything else and for no value.
+  bool boolForKey(std::string_view key) const;
+  /// A number's value, the number that a text begins with, 1 for true; 0 for anything else and for no value.
+  double doubleForKey(std::string_view key) const;
+  /// None when there is no value or it is not an array.
+  std::optional<Array> arrayForKey(std::string_view key) const;
+
+  void setBool(bool value, std::string_view key) { setObject({value}, key); }
+  void setDouble(double value, std::string_view key) { setObject({value}, key); }
+};
+
+}  // namespace ns
