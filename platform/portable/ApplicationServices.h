@@ -1,6 +1,7 @@
 // The subset of Accessibility, Quartz events and Quartz displays that Ostrel uses, for systems that do not bring it.
 // Coordinates are points in the global display space: origin at the top-left of the main display, y growing downwards.
-// Every function here is to be called on the main thread.
+// Every function here is to be called on the main thread. An Accessibility function answers kAXErrorIllegalArgument to
+// a null argument and to an object of the wrong type.
 #pragma once
 
 #include <sys/types.h>
@@ -39,8 +40,7 @@ constexpr CGFloat CGRectGetHeight(CGRect rect) { return rect.size.height; }
 
 // --- Accessibility --------------------------------------------------------------------------------------------------
 
-using AXError = SInt32;
-enum : AXError {
+enum AXError : SInt32 {
   kAXErrorSuccess = 0,
   kAXErrorFailure = -25200,
   kAXErrorIllegalArgument = -25201,
@@ -54,20 +54,20 @@ enum : AXError {
 
 using AXUIElementRef = const struct __AXUIElement*;
 using AXValueRef = const struct __AXValue*;
-using AXValueType = std::uint32_t;
-enum : AXValueType { kAXValueTypeCGPoint = 1, kAXValueTypeCGSize = 2 };
+enum AXValueType : std::uint32_t { kAXValueTypeCGPoint = 1, kAXValueTypeCGSize = 2 };
 
 extern const CFStringRef kAXTrustedCheckOptionPrompt;
 
-bool AXIsProcessTrusted();
+Boolean AXIsProcessTrusted();
 /// The same answer; with kAXTrustedCheckOptionPrompt true in `options` an untrusted process also has the desktop ask.
 /// Returns at once, before the person has answered.
-bool AXIsProcessTrustedWithOptions(CFDictionaryRef options);
+Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options);
 
 CFTypeID AXUIElementGetTypeID();
 AXUIElementRef AXUIElementCreateSystemWide();
 AXUIElementRef AXUIElementCreateApplication(pid_t pid);
-/// The deepest element known at the position. Costs no question to another process.
+/// The deepest element known at the position. Costs no question to another process. Only the system-wide element can be
+/// asked here; an application's answers kAXErrorNotImplemented.
 AXError AXUIElementCopyElementAtPosition(AXUIElementRef application, float x, float y, AXUIElementRef* element);
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef* value);
 /// Success means that the desktop has taken the request; the change itself happens without anybody waiting for it.
@@ -86,8 +86,7 @@ using CGEventRef = struct __CGEvent*;
 using CGEventTapProxy = struct __CGEventTapProxy*;
 using CGEventMask = std::uint64_t;
 using CGEventFlags = std::uint64_t;
-using CGEventType = std::uint32_t;
-enum : CGEventType {
+enum CGEventType : std::uint32_t {
   kCGEventLeftMouseDown = 1,
   kCGEventRightMouseDown = 3,
   kCGEventTapDisabledByTimeout = 0xFFFFFFFE,
@@ -100,12 +99,9 @@ enum : CGEventFlags {
   kCGEventFlagMaskAlternate = 0x80000,
   kCGEventFlagMaskCommand = 0x100000,
 };
-using CGEventTapLocation = std::uint32_t;
-enum : CGEventTapLocation { kCGSessionEventTap = 1 };
-using CGEventTapPlacement = std::uint32_t;
-enum : CGEventTapPlacement { kCGHeadInsertEventTap = 0 };
-using CGEventTapOptions = std::uint32_t;
-enum : CGEventTapOptions { kCGEventTapOptionDefault = 0 };
+enum CGEventTapLocation : std::uint32_t { kCGSessionEventTap = 1 };
+enum CGEventTapPlacement : std::uint32_t { kCGHeadInsertEventTap = 0 };
+enum CGEventTapOptions : std::uint32_t { kCGEventTapOptionDefault = 0 };
 
 /// Returns `event` to pass it on, null to swallow it. `event` is lent for the call.
 using CGEventTapCallBack = CGEventRef (*)(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* refcon);
@@ -121,8 +117,7 @@ CGPoint CGEventGetLocation(CGEventRef event);
 
 // --- Quartz displays ------------------------------------------------------------------------------------------------
 
-using CGError = SInt32;
-enum : CGError { kCGErrorSuccess = 0, kCGErrorFailure = 1000 };
+enum CGError : SInt32 { kCGErrorSuccess = 0, kCGErrorFailure = 1000 };
 using CGDirectDisplayID = std::uint32_t;
 
 /// Writes up to `maxDisplays` identifiers and how many were written; with a null list, how many there are.

@@ -58,12 +58,13 @@ struct Application {
 
 /// A mouse-down on its way to a window, or the notice that the tap was disabled (then only `type` counts).
 struct MouseDown {
-  CGEventType type = 0;
+  CGEventType type{};
   CGEventFlags flags = 0;
   CGPoint location{};
 };
 
-/// An installed tap: delivers while enabled. Destroying it uninstalls it; no call of its handler follows.
+/// An installed tap: delivers while enabled. Destroying it uninstalls it; no call of its handler follows. It is never
+/// destroyed inside its own handler.
 class EventTap {
  public:
   virtual ~EventTap() = default;
