@@ -48,6 +48,8 @@ class ApplicationIdentity {
   std::string procFolder_;
   unsigned generation_ = 0;
   std::map<std::pair<pid_t, std::string>, ApplicationDescription> known_;
+  /// From the program that an entry starts to the entry's place in the list; made when first needed.
+  std::multimap<std::string, std::size_t> executables_;
 };
 
 }  // namespace freedesktop

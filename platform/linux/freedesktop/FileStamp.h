@@ -14,6 +14,7 @@ struct FileStamp {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
   std::int64_t size = 0;
+  /// In nanoseconds since the epoch.
   std::int64_t modified = 0;
   std::int64_t changed = 0;
   std::uint32_t owner = 0;
@@ -22,6 +23,10 @@ struct FileStamp {
   static FileStamp of(const std::string& path);
   /// Of an open file.
   static FileStamp of(int descriptor);
+
+  /// False while the file changed so lately that a further change may carry the same times: file systems count in
+  /// ticks of some milliseconds. Content read under such a stamp is to be read again.
+  bool isSettled() const;
   friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 

@@ -1,13 +1,12 @@
 // The monitors of an X11 screen as displays.
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/linux/x11/Connection.h"
 #include "platform/portable/Desktop.h"
 
 namespace x11 {
@@ -42,10 +41,10 @@ std::vector<Monitor> monitorsFromList(std::vector<ListedMonitor> listed);
 /// that is empty (a moment after waking up) is asked for again at the next question. Not thread-safe.
 class DisplayList {
  public:
-  /// `connection` is lent for the life of this object. Asks it for RandR's events on `root`; the owner of the
+  /// `connection` is lent for the life of this object. Asks for RandR's events on the root window; the owner of the
   /// connection selects StructureNotify there, because monitors that are only declared to the server announce
   /// themselves by nothing but a ConfigureNotify of the root window.
-  DisplayList(xcb_connection_t* connection, xcb_window_t root);
+  explicit DisplayList(Connection& connection);
 
   /// To be given every event of the connection. True when the displays may have changed.
   bool handleEvent(const xcb_generic_event_t& event);
@@ -61,9 +60,7 @@ class DisplayList {
   std::vector<ListedMonitor> readList() const;
   std::vector<std::uint8_t> readEdid(std::uint32_t output) const;
 
-  xcb_connection_t* connection_;
-  xcb_window_t root_;
-  xcb_atom_t edidAtom_ = XCB_ATOM_NONE;
+  Connection& connection_;
   /// Of RandR; none when the server lacks version 1.5, where the whole screen counts as one display.
   std::optional<std::uint8_t> firstRandrEvent_;
   std::vector<Monitor> monitors_;
