@@ -121,9 +121,10 @@ std::optional<Json> parsePreferences(std::string_view text) {
   return json;
 }
 
-JSONUserDefaults::JSONUserDefaults(std::string userFile, const std::vector<std::string>& systemFiles) {
-  domains_.push_back({.path = std::move(userFile)});
-  for (const std::string& file : systemFiles) domains_.push_back({.path = file});
+JSONUserDefaults::JSONUserDefaults(std::string userFile, const std::vector<std::string>& systemFiles)
+    : domains_(1 + systemFiles.size()) {
+  domains_.front().path = std::move(userFile);
+  for (std::size_t i = 0; i < systemFiles.size(); ++i) domains_[i + 1].path = systemFiles[i];
 }
 
 void JSONUserDefaults::refresh(Domain& domain) {
