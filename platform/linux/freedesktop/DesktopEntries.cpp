@@ -51,7 +51,7 @@ std::vector<std::string> words(std::string_view command) {
     if (c == '"') {
       quoted = !quoted;
       inWord = true;
-    } else if (c == '\\' && i + 1 < command.size()) {
+    } else if ((c == '\\' && i + 1 < command.size()) || (c == '%' && command.substr(i + 1).starts_with('%'))) {
       word += command[++i];
       inWord = true;
     } else if (!quoted && (c == ' ' || c == '\t')) {
@@ -91,6 +91,24 @@ int localeRank(std::string_view keyLocale, std::string_view userLocale) {
   return keyLocale == language ? 1 : 0;
 }
 
+/// Calls `visit` with each key and raw value of the group that describes the entry.
+template <typename Visit>
+void visitKeys(std::string_view text, const Visit& visit) {
+  bool inGroup = false;
+  while (!text.empty()) {
+    const auto end = std::min(text.find('\n'), text.size());
+    const std::string_view line = trimmed(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    const auto equals = line.find('=');
+    if (line.starts_with('[')) {
+      if (inGroup) return;  // only actions follow
+      inGroup = line == "[Desktop Entry]";
+    } else if (inGroup && !line.starts_with('#') && equals != std::string_view::npos) {
+      visit(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    }
+  }
+}
+
 std::string messagesLocale() {
   const char* locale = std::setlocale(LC_MESSAGES, nullptr);
   return locale == nullptr ? std::string() : locale;
@@ -103,26 +121,14 @@ Folder openFolder(const std::string& path) { return {opendir(path.c_str()), &clo
 
 std::optional<DesktopEntry> parseDesktopEntry(std::string_view text, std::string_view locale) {
   DesktopEntry entry;
-  bool inGroup = false;
   bool isApplication = false;
+  bool isDeleted = false;
   int nameRank = -1;
-  while (!text.empty()) {
-    const std::string_view line = trimmed(text.substr(0, text.find('\n')));
-    text.remove_prefix(
-        std::min(text.size(), text.find('\n') == std::string_view::npos ? text.size() : text.find('\n') + 1));
-    if (line.starts_with('[')) {
-      if (inGroup) break;  // only actions follow
-      inGroup = line == "[Desktop Entry]";
-      continue;
-    }
-    const auto equals = line.find('=');
-    if (!inGroup || line.starts_with('#') || equals == std::string_view::npos) continue;
-    const std::string_view key = trimmed(line.substr(0, equals));
-    const std::string_view value = trimmed(line.substr(equals + 1));
+  visitKeys(text, [&](std::string_view key, std::string_view value) {
     if (key == "Type") {
       isApplication = value == "Application";
     } else if (key == "Hidden" && value == "true") {
-      return std::nullopt;  // it counts as deleted
+      isDeleted = true;
     } else if (key == "NoDisplay") {
       entry.hidden = value == "true";
     } else if (key == "Icon") {
@@ -135,13 +141,21 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text, std::string
       entry.tryExecutable = unescaped(value);
     } else if (key == "Name" || (key.starts_with("Name[") && key.ends_with(']'))) {
       const int rank = key == "Name" ? 0 : localeRank(key.substr(5, key.size() - 6), locale);
-      if (rank <= nameRank || (rank == 0 && key != "Name")) continue;
+      if (rank <= nameRank || (rank == 0 && key != "Name")) return;
       nameRank = rank;
       entry.name = unescaped(value);
     }
-  }
-  if (!isApplication || entry.name.empty()) return std::nullopt;
+  });
+  if (!isApplication || isDeleted || entry.name.empty()) return std::nullopt;
   return entry;
+}
+
+std::string desktopEntryValue(std::string_view text, std::string_view key) {
+  std::string result;
+  visitKeys(text, [&](std::string_view name, std::string_view value) {
+    if (name == key) result = unescaped(value);
+  });
+  return result;
 }
 
 std::optional<DesktopEntry> readDesktopEntry(const std::string& path) {

@@ -29,6 +29,8 @@ struct DesktopEntry {
 
 /// Reads the text of an entry. None unless it is an application with a name. `locale` is a POSIX locale name.
 std::optional<DesktopEntry> parseDesktopEntry(std::string_view text, std::string_view locale);
+/// The value of one key of an entry's text; empty when it is not there.
+std::string desktopEntryValue(std::string_view text, std::string_view key);
 /// Reads the entry at a path, with `id` left to the caller when the path is in no folder of applications.
 std::optional<DesktopEntry> readDesktopEntry(const std::string& path);
 

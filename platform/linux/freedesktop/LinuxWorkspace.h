@@ -1,0 +1,30 @@
+// The workspace of a freedesktop session.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/portable/DesktopWorkspace.h"
+
+namespace freedesktop {
+
+/// Applications are desktop entries: their identifier is the entry's id, their path the entry's. Main thread only.
+class LinuxWorkspace final : public desktop::DesktopWorkspace {
+ public:
+  using desktop::DesktopWorkspace::DesktopWorkspace;
+
+  /// Makes a picture from what an entry names as its icon (a theme name, an absolute path, or nothing). Set by the user
+  /// interface; without one no file has an icon.
+  using IconLoader = std::function<std::shared_ptr<ns::Image>(const std::string& icon)>;
+  static void setIconLoader(IconLoader loader);
+
+  /// The deep link to the privacy settings opens the dialog that asks for consent. Everything else goes to the
+  /// desktop's own opener, which is not waited for.
+  bool openURL(const std::string& url) override;
+  std::optional<std::string> URLForApplicationWithBundleIdentifier(const std::string& bundleIdentifier) override;
+  std::shared_ptr<ns::Image> iconForFile(const std::string& path) override;
+};
+
+}  // namespace freedesktop
