@@ -75,7 +75,7 @@ class TitleBarButtons {
 
  private:
   class Worker;
-  std::shared_ptr<Worker> worker_;
+  std::unique_ptr<Worker> worker_;
 };
 
 }  // namespace atspi

@@ -1,0 +1,335 @@
+#include "platform/linux/atspi/TitleBarButtons.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <thread>
+#include <unordered_map>
+#include <utility>
+
+#include "platform/Lock.h"
+#include "platform/linux/atspi/TitleBarLookup.h"
+
+namespace atspi {
+
+namespace {
+
+// All in milliseconds.
+/// A window that is being resized by hand changes with every frame; it is asked about when it has come to rest.
+constexpr unsigned rest = 60;
+/// An application takes in a new state in several steps; this is when it is asked whether the answer still holds.
+constexpr unsigned confirmation = 400;
+/// A new window may be seen before its application describes it. After this many doublings it has no buttons.
+constexpr unsigned absentDelay = 100;
+constexpr unsigned absentAttempts = 8;
+constexpr unsigned silentDelay = 500;
+constexpr unsigned connectDelay = 500;
+constexpr unsigned longestDelay = 30'000;
+
+unsigned backOff(unsigned first, unsigned attempt) {
+  unsigned delay = first;
+  while (attempt-- > 0 && delay < longestDelay) delay *= 2;
+  return std::min(delay, longestDelay);
+}
+
+bool sameSize(CGSize one, CGSize other) { return one.width == other.width && one.height == other.height; }
+
+/// Whether buttons found for `one` are where they were found for `other` too.
+bool sameLayout(const Window& one, const Window& other) {
+  const auto margin = [](const Window& window) {
+    return CGSizeMake(window.frame.origin.x - window.client.origin.x, window.frame.origin.y - window.client.origin.y);
+  };
+  return one.pid == other.pid && one.maximized == other.maximized && sameSize(one.frame.size, other.frame.size) &&
+         sameSize(one.client.size, other.client.size) && sameSize(margin(one), margin(other));
+}
+
+using Action = std::function<void()>;
+
+gboolean runOnce(gpointer task) {
+  (*static_cast<Action*>(task))();
+  return G_SOURCE_REMOVE;
+}
+
+void attach(GSource* source, GMainContext* context, Action task) {
+  g_source_set_callback(source, runOnce, new Action(std::move(task)),
+                        [](gpointer owned) { delete static_cast<Action*>(owned); });
+  g_source_attach(source, context);
+}
+
+}  // namespace
+
+class TitleBarButtons::Worker {
+ public:
+  Worker(ChangeHandler changed, Options options)
+      : changed_(std::move(changed)),
+        options_(std::move(options)),
+        context_(g_main_context_new()),
+        loop_(g_main_loop_new(context_.get(), FALSE)),
+        cancellable_(g_cancellable_new()),
+        thread_([this] { run(); }) {}
+
+  ~Worker() {
+    post([this] { g_main_loop_quit(loop_.get()); });
+    thread_.join();
+  }
+
+  void update(const Window& window) {
+    bool hadButtons = false;
+    {
+      const ns::LockGuard guard(lock_);
+      const auto [place, isNew] = known_.try_emplace(window.id);
+      Known& known = place->second;
+      const bool moved = !isNew && sameLayout(known.window, window);
+      known.window = window;
+      if (moved) return;
+      known.revision = ++lastRevision_;
+      hadButtons = !known.buttons.empty();
+      known.buttons.clear();
+    }
+    post([this, id = window.id, hadButtons] {
+      if (hadButtons) changed_(id);
+      const auto [place, isNew] = jobs_.try_emplace(id);
+      if (isNew) place->second = std::make_shared<Job>();
+      Job& job = *place->second;
+      job.attempts = 0;
+      job.confirmed = false;
+      schedule(id, job, isNew ? 0 : rest);
+    });
+  }
+
+  void refresh(std::uint32_t id) {
+    post([this, id] {
+      const auto job = jobs_.find(id);
+      if (job == jobs_.end()) return;
+      job->second->attempts = 0;
+      schedule(id, *job->second, 0);
+    });
+  }
+
+  void remove(std::uint32_t id) {
+    bool hadButtons = false;
+    {
+      const ns::LockGuard guard(lock_);
+      const auto known = known_.find(id);
+      if (known == known_.end()) return;
+      hadButtons = !known->second.buttons.empty();
+      known_.erase(known);
+    }
+    post([this, id, hadButtons] {
+      if (!isKnown(id)) jobs_.erase(id);
+      if (hadButtons) changed_(id);
+    });
+  }
+
+  std::vector<TitleBarButton> buttons(std::uint32_t id) const {
+    const ns::LockGuard guard(lock_);
+    const auto known = known_.find(id);
+    return known == known_.end() ? std::vector<TitleBarButton>{} : known->second.buttons;
+  }
+
+ private:
+  struct Known {
+    Window window;
+    /// Changes with everything that makes an answer that is still under way worthless.
+    std::uint64_t revision = 0;
+    std::vector<TitleBarButton> buttons;
+  };
+  struct Job {
+    Source timer;
+    unsigned attempts = 0;
+    bool confirmed = false;
+    bool asking = false;
+    bool askAgain = false;
+    bool waitsForBus = false;
+  };
+  /// Bus names start anew with every bus, so what was learnt of them lives no longer than the connection.
+  struct Session {
+    Session(GDBusConnection* connection, GCancellable* cancellable, const Options& options)
+        : bus(connection, cancellable, options.callTimeout), lookup(options.decorationLayout) {}
+    AccessibilityBus bus;
+    TitleBarLookup lookup;
+  };
+
+  // Any thread.
+
+  void post(Action task) {
+    GSource* source = g_idle_source_new();
+    g_source_set_priority(source, G_PRIORITY_DEFAULT);
+    attach(source, context_.get(), std::move(task));
+    g_source_unref(source);
+  }
+
+  bool isKnown(std::uint32_t id) const {
+    const ns::LockGuard guard(lock_);
+    return known_.contains(id);
+  }
+
+  // The lookup thread.
+
+  void run() {
+    g_main_context_push_thread_default(context_.get());
+    g_main_loop_run(loop_.get());
+    stopping_ = true;
+    jobs_.clear();
+    reconnect_.reset();
+    g_cancellable_cancel(cancellable_.get());
+    while (conversations_ > 0) g_main_context_iteration(context_.get(), TRUE);
+    disconnect();
+    g_main_context_pop_thread_default(context_.get());
+  }
+
+  Source after(unsigned delay, Action task) {
+    Source timer(g_timeout_source_new(delay));
+    attach(timer.get(), context_.get(), std::move(task));
+    return timer;
+  }
+
+  void schedule(std::uint32_t id, Job& job, unsigned delay) {
+    job.timer = after(delay, [this, id] {
+      const auto found = jobs_.find(id);
+      if (found != jobs_.end()) ask(id, found->second);
+    });
+  }
+
+  /// Takes the job by value: it may be removed while the application thinks.
+  Detached ask(std::uint32_t id, std::shared_ptr<Job> job) {
+    if (job->asking) {
+      job->askAgain = true;
+      co_return;
+    }
+    if (!session_) {
+      job->waitsForBus = true;
+      if (!connecting_ && !reconnect_) connect();
+      co_return;
+    }
+    std::optional<Known> asked = known(id);
+    if (!asked) co_return;
+    job->asking = true;
+    ++conversations_;
+    std::optional<std::vector<TitleBarButton>> found;
+    try {
+      const auto session = session_;
+      found = co_await session->lookup.find(session->bus, asked->window);
+    } catch (const Silence&) {
+    }
+    --conversations_;
+    job->asking = false;
+    const auto current = jobs_.find(id);
+    if (stopping_ || current == jobs_.end() || current->second != job) co_return;
+    digest(id, *job, asked->revision, std::move(found));
+  }
+
+  /// `found` is none when the application kept silent: then what was known of it stands.
+  void digest(std::uint32_t id, Job& job, std::uint64_t revision, std::optional<std::vector<TitleBarButton>> found) {
+    if (std::exchange(job.askAgain, false)) {
+      schedule(id, job, 0);
+      return;
+    }
+    if (!found) {
+      schedule(id, job, backOff(silentDelay, job.attempts++));
+      return;
+    }
+    const bool none = found->empty();
+    if (!publish(id, revision, std::move(*found))) return;
+    if (none) {
+      if (job.attempts < absentAttempts) schedule(id, job, backOff(absentDelay, job.attempts++));
+    } else if (!std::exchange(job.confirmed, true)) {
+      schedule(id, job, confirmation);
+    }
+  }
+
+  /// False when the window is not any more what was asked about; then a newer question is already on its way.
+  bool publish(std::uint32_t id, std::uint64_t revision, std::vector<TitleBarButton> found) {
+    {
+      const ns::LockGuard guard(lock_);
+      const auto known = known_.find(id);
+      if (known == known_.end() || known->second.revision != revision) return false;
+      if (known->second.buttons == found) return true;
+      known->second.buttons = std::move(found);
+    }
+    changed_(id);
+    return true;
+  }
+
+  std::optional<Known> known(std::uint32_t id) const {
+    const ns::LockGuard guard(lock_);
+    const auto found = known_.find(id);
+    if (found == known_.end()) return std::nullopt;
+    return found->second;
+  }
+
+  Detached connect() {
+    connecting_ = true;
+    ++conversations_;
+    try {
+      connection_ = co_await AccessibilityBus::connect(cancellable_.get());
+    } catch (const Silence&) {
+    }
+    --conversations_;
+    connecting_ = false;
+    if (stopping_) co_return;
+    if (!connection_) {
+      reconnect_ = after(backOff(connectDelay, connectAttempts_++), [this] {
+        reconnect_.reset();
+        connect();
+      });
+      co_return;
+    }
+    connectAttempts_ = 0;
+    g_signal_connect(connection_.get(), "closed", G_CALLBACK(&Worker::closed), this);
+    session_ = std::make_shared<Session>(connection_.get(), cancellable_.get(), options_);
+    for (const auto& [id, job] : jobs_) {
+      if (std::exchange(job->waitsForBus, false)) schedule(id, *job, 0);
+    }
+  }
+
+  static void closed(GDBusConnection*, gboolean, GError*, gpointer self) {
+    // Conversations that were under way end in silence and are taken up again on the next bus.
+    static_cast<Worker*>(self)->disconnect();
+  }
+
+  void disconnect() {
+    if (connection_) g_signal_handlers_disconnect_by_data(connection_.get(), this);
+    session_.reset();
+    connection_.reset();
+  }
+
+  const ChangeHandler changed_;
+  const Options options_;
+  const Context context_;
+  const Loop loop_;
+  const Object<GCancellable> cancellable_;
+
+  mutable ns::Lock lock_;
+  std::unordered_map<std::uint32_t, Known> known_ GUARDED_BY(lock_);
+  std::uint64_t lastRevision_ GUARDED_BY(lock_) = 0;
+
+  // The lookup thread's own.
+  std::map<std::uint32_t, std::shared_ptr<Job>> jobs_;
+  Object<GDBusConnection> connection_;
+  std::shared_ptr<Session> session_;
+  Source reconnect_;
+  unsigned connectAttempts_ = 0;
+  unsigned conversations_ = 0;
+  bool connecting_ = false;
+  bool stopping_ = false;
+
+  std::thread thread_;
+};
+
+TitleBarButtons::TitleBarButtons(ChangeHandler changed) : TitleBarButtons(std::move(changed), Options{}) {}
+
+TitleBarButtons::TitleBarButtons(ChangeHandler changed, Options options)
+    : worker_(std::make_unique<Worker>(std::move(changed), std::move(options))) {}
+
+TitleBarButtons::~TitleBarButtons() = default;
+
+void TitleBarButtons::update(const Window& window) { worker_->update(window); }
+
+void TitleBarButtons::refresh(std::uint32_t window) { worker_->refresh(window); }
+
+void TitleBarButtons::remove(std::uint32_t window) { worker_->remove(window); }
+
+std::vector<TitleBarButton> TitleBarButtons::buttons(std::uint32_t window) const { return worker_->buttons(window); }
+
+}  // namespace atspi

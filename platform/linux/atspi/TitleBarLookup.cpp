@@ -1,0 +1,248 @@
+#include "platform/linux/atspi/TitleBarLookup.h"
+
+#include <atspi/atspi-constants.h>
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+namespace atspi {
+
+namespace {
+
+constexpr const char* accessible = "org.a11y.atspi.Accessible";
+constexpr const char* application = "org.a11y.atspi.Application";
+constexpr const char* component = "org.a11y.atspi.Component";
+constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
+
+/// A title bar is at the top and holds little; a window's content can be endless. These bounds keep to the former.
+constexpr std::size_t widest = 64;
+constexpr int deepest = 14;
+constexpr int mostContainers = 60;
+/// How far below the frame's edge a part of the title bar may begin, in the toolkit's units.
+constexpr double titleBarBand = 40;
+
+/// Where the message catalogues are; the second is where some distributions put what their language packs bring.
+const std::vector<std::string>& catalogFolders() {
+  static const std::vector<std::string> folders = {"/usr/share/locale", "/usr/share/locale-langpack"};
+  return folders;
+}
+
+/// What can hold a title bar or be part of one. Everything else is not looked into: a list can have a million rows.
+bool isContainer(AtspiRole role) {
+  constexpr std::array roles = {ATSPI_ROLE_PANEL,       ATSPI_ROLE_FILLER,        ATSPI_ROLE_GROUPING,
+                                ATSPI_ROLE_TOOL_BAR,    ATSPI_ROLE_SPLIT_PANE,    ATSPI_ROLE_LAYERED_PANE,
+                                ATSPI_ROLE_UNKNOWN,     ATSPI_ROLE_SECTION,       ATSPI_ROLE_HEADER,
+                                ATSPI_ROLE_SCROLL_PANE, ATSPI_ROLE_ROOT_PANE,     ATSPI_ROLE_LANDMARK,
+                                ATSPI_ROLE_TITLE_BAR,   ATSPI_ROLE_GLASS_PANE,    ATSPI_ROLE_EXTENDED,
+                                ATSPI_ROLE_OPTION_PANE, ATSPI_ROLE_INTERNAL_FRAME};
+  return std::ranges::find(roles, role) != roles.end();
+}
+
+Task<std::vector<Address>> children(const AccessibilityBus& bus, Address parent) {
+  std::vector<Address> found;
+  const auto reply = co_await bus.call(std::move(parent), accessible, "GetChildren", nullptr, "(a(so))");
+  if (!reply) co_return found;
+  const Variant list(g_variant_get_child_value(reply.get(), 0));
+  const std::size_t count = std::min<std::size_t>(g_variant_n_children(list.get()), widest);
+  for (std::size_t i = 0; i < count; ++i) {
+    const char* name = nullptr;
+    const char* path = nullptr;
+    g_variant_get_child(list.get(), i, "(&s&o)", &name, &path);
+    found.push_back({name, path});
+  }
+  co_return found;
+}
+
+Task<AtspiRole> role(const AccessibilityBus& bus, Address object) {
+  const auto reply = co_await bus.call(std::move(object), accessible, "GetRole", nullptr, "(u)");
+  guint32 number = ATSPI_ROLE_INVALID;
+  if (reply) g_variant_get(reply.get(), "(u)", &number);
+  co_return static_cast<AtspiRole>(number);
+}
+
+Task<guint32> states(const AccessibilityBus& bus, Address object) {
+  const auto reply = co_await bus.call(std::move(object), accessible, "GetState", nullptr, "(au)");
+  if (!reply) co_return 0u;
+  const Variant words(g_variant_get_child_value(reply.get(), 0));
+  guint32 first = 0;
+  if (g_variant_n_children(words.get()) > 0) g_variant_get_child(words.get(), 0, "u", &first);
+  co_return first;
+}
+
+bool has(guint32 states, AtspiStateType state) { return (states >> state & 1u) != 0; }
+
+/// In the coordinates of the toplevel: those are right in every toolkit and stay right while the window is moved.
+Task<std::optional<CGRect>> extents(const AccessibilityBus& bus, Address object) {
+  const auto reply = co_await bus.call(std::move(object), component, "GetExtents",
+                                       g_variant_new("(u)", static_cast<guint32>(ATSPI_COORD_TYPE_WINDOW)), "((iiii))");
+  if (!reply) co_return std::nullopt;
+  gint32 x = 0;
+  gint32 y = 0;
+  gint32 width = 0;
+  gint32 height = 0;
+  g_variant_get(reply.get(), "((iiii))", &x, &y, &width, &height);
+  co_return CGRectMake(x, y, width, height);
+}
+
+/// None for toolkits whose title bars we do not know.
+Task<std::optional<Toolkit>> toolkit(const AccessibilityBus& bus, Address root) {
+  const auto name = co_await bus.text(root, application, "ToolkitName");
+  const auto version = co_await bus.text(std::move(root), application, "Version");
+  if (name != "gtk" && name != "GTK") co_return std::nullopt;
+  if (version.starts_with("3.")) co_return Toolkit::Gtk3;
+  if (version.starts_with("4.")) co_return Toolkit::Gtk4;
+  co_return std::nullopt;
+}
+
+struct Toplevel {
+  Address object;
+  Placement where;
+};
+
+/// The window among an application's toplevels: of its size and, when several are, of its title.
+Task<std::optional<Toplevel>> toplevel(const AccessibilityBus& bus, Address root, Toolkit kind, const Window& window) {
+  std::vector<Toplevel> fitting;
+  const auto candidates = co_await children(bus, std::move(root));
+  for (const auto& candidate : candidates) {
+    const auto rect = co_await extents(bus, candidate);
+    if (!rect) continue;
+    if (const auto where = placement(kind, window, rect->size)) fitting.push_back({candidate, *where});
+  }
+  if (fitting.empty()) co_return std::nullopt;
+  if (fitting.size() > 1) {
+    for (const auto& one : fitting) {
+      const auto title = co_await bus.text(one.object, accessible, "Name");
+      if (title == window.title) co_return one;
+    }
+  }
+  co_return fitting.front();
+}
+
+Task<std::optional<FoundButton>> visibleButton(const AccessibilityBus& bus, Address object) {
+  const auto state = co_await states(bus, object);
+  if (!has(state, ATSPI_STATE_VISIBLE)) co_return std::nullopt;
+  const auto rect = co_await extents(bus, object);
+  if (!rect || rect->size.width < 1 || rect->size.height < 1) co_return std::nullopt;
+  auto name = co_await bus.text(std::move(object), accessible, "Name");
+  co_return FoundButton{std::move(name), *rect, has(state, ATSPI_STATE_SENSITIVE)};
+}
+
+bool isInTitleBar(CGRect rect, const Placement& where) {
+  const double top = rect.origin.y + where.offset.y / where.scale;
+  return rect.size.width > 0 && rect.size.height > 0 && top < titleBarBand && top + rect.size.height > 0;
+}
+
+/// The push buttons at the window's top, by their parents.
+Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, Toplevel window) {
+  struct Container {
+    Address object;
+    int depth;
+  };
+  std::vector<ButtonGroup> groups;
+  std::deque<Container> queue = {{window.object, 0}};
+  for (int visited = 0; !queue.empty() && visited < mostContainers; ++visited) {
+    const Container container = std::move(queue.front());
+    queue.pop_front();
+    ButtonGroup group;
+    const auto members = co_await children(bus, container.object);
+    for (const auto& member : members) {
+      const auto kind = co_await role(bus, member);
+      if (kind == ATSPI_ROLE_PUSH_BUTTON) {
+        auto button = co_await visibleButton(bus, member);
+        if (button && isInTitleBar(button->rect, window.where)) group.buttons.push_back(std::move(*button));
+      } else if (isContainer(kind)) {
+        group.mixed = true;
+        const auto rect = co_await extents(bus, member);
+        if (rect && isInTitleBar(*rect, window.where) && container.depth < deepest)
+          queue.push_back({member, container.depth + 1});
+      }
+    }
+    if (!group.buttons.empty()) groups.push_back(std::move(group));
+  }
+  co_return groups;
+}
+
+/// LANGUAGE goes before the locale, and an application does not tell it.
+std::string languageOf(pid_t pid) {
+  constexpr std::string_view name = "LANGUAGE=";
+  std::ifstream file("/proc/" + std::to_string(pid) + "/environ", std::ios::binary);
+  for (std::string entry; std::getline(file, entry, '\0');) {
+    if (entry.starts_with(name)) return entry.substr(name.size());
+  }
+  return "";
+}
+
+}  // namespace
+
+TitleBarLookup::TitleBarLookup(std::string decorationLayout) : decorationLayout_(std::move(decorationLayout)) {}
+
+Task<std::vector<TitleBarButton>> TitleBarLookup::find(const AccessibilityBus& bus, Window window) {
+  std::vector<TitleBarButton> buttons;
+  const auto candidates = co_await applications(bus, window.pid);
+  for (const auto& candidate : candidates) {
+    buttons = co_await findIn(bus, candidate, window);
+    if (!buttons.empty()) break;
+  }
+  co_return buttons;
+}
+
+/// A process may have several connections, and the registry names only the connections that show something.
+Task<std::vector<Address>> TitleBarLookup::applications(const AccessibilityBus& bus, pid_t pid) {
+  const auto reply =
+      co_await bus.call({"org.a11y.atspi.Registry", rootPath}, accessible, "GetChildren", nullptr, "(a(so))");
+  std::vector<Address> found;
+  if (!reply) co_return found;
+  std::map<std::string, pid_t> present;
+  const Variant list(g_variant_get_child_value(reply.get(), 0));
+  for (std::size_t i = 0; i < g_variant_n_children(list.get()); ++i) {
+    const char* name = nullptr;
+    const char* path = nullptr;
+    g_variant_get_child(list.get(), i, "(&s&o)", &name, &path);
+    const Address object{name, path};
+    const auto known = processes_.find(object.name);
+    guint32 process = 0;
+    if (known != processes_.end()) {
+      process = static_cast<guint32>(known->second);
+    } else {
+      // The bus itself answers this, whatever the application is doing.
+      const auto answer =
+          co_await bus.call({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus",
+                            "GetConnectionUnixProcessID", g_variant_new("(s)", object.name.c_str()), "(u)");
+      if (!answer) continue;
+      g_variant_get(answer.get(), "(u)", &process);
+    }
+    present[object.name] = static_cast<pid_t>(process);
+    if (static_cast<pid_t>(process) == pid) found.push_back(object);
+  }
+  processes_ = std::move(present);
+  co_return found;
+}
+
+Task<std::vector<TitleBarButton>> TitleBarLookup::findIn(const AccessibilityBus& bus, Address root,
+                                                         const Window& window) {
+  const auto kind = co_await toolkit(bus, root);
+  if (!kind) co_return {};
+  const auto found = co_await toplevel(bus, root, *kind, window);
+  if (!found) co_return {};
+  const auto groups = co_await buttonGroups(bus, *found);
+  if (groups.empty()) co_return {};
+  const auto locale = co_await bus.text(std::move(root), accessible, "Locale");
+  co_return titleBarButtons(groups, names(*kind, locale, window.pid), decorationLayout_, *kind, window, found->where);
+}
+
+const ButtonNames& TitleBarLookup::names(Toolkit toolkit, const std::string& locale, pid_t pid) {
+  const std::string domain = toolkit == Toolkit::Gtk3 ? "gtk30" : "gtk40";
+  const auto languages = messageLanguages(locale, languageOf(pid));
+  std::string key = domain;
+  for (const auto& language : languages) key += ":" + language;
+  auto known = names_.find(key);
+  if (known == names_.end()) known = names_.emplace(key, ButtonNames::load(domain, languages, catalogFolders())).first;
+  return known->second;
+}
+
+}  // namespace atspi
