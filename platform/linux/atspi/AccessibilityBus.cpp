@@ -40,8 +40,8 @@ Task<Object<GDBusConnection>> AccessibilityBus::connect(GCancellable* cancellabl
     const auto session = co_await open(sessionBusAddress(), cancellable);
     if (!session) co_return nullptr;
     const AccessibilityBus bus(session.get(), cancellable, activationTimeout);
-    const auto reply =
-        co_await bus.call({"org.a11y.Bus", "/org/a11y/bus"}, "org.a11y.Bus", "GetAddress", nullptr, "(s)");
+    const Address launcher{"org.a11y.Bus", "/org/a11y/bus"};
+    const auto reply = co_await bus.call(launcher, "org.a11y.Bus", "GetAddress", nullptr, "(s)");
     if (!reply) co_return nullptr;
     const char* found = nullptr;
     g_variant_get(reply.get(), "(&s)", &found);
@@ -53,8 +53,8 @@ Task<Object<GDBusConnection>> AccessibilityBus::connect(GCancellable* cancellabl
 AccessibilityBus::AccessibilityBus(GDBusConnection* connection, GCancellable* cancellable, int timeout)
     : connection_(retained(connection)), cancellable_(retained(cancellable)), timeout_(timeout) {}
 
-Task<Variant> AccessibilityBus::call(Address object, const char* interface, const char* method, GVariant* arguments,
-                                     const char* reply) const {
+Task<Variant> AccessibilityBus::call(const Address& object, const char* interface, const char* method,
+                                     GVariant* arguments, const char* reply) const {
   Operation calling([&](GAsyncReadyCallback callback, gpointer data) {
     g_dbus_connection_call(connection_.get(), object.name.c_str(), object.path.c_str(), interface, method, arguments,
                            G_VARIANT_TYPE(reply), G_DBUS_CALL_FLAGS_NONE, timeout_, cancellable_.get(), callback, data);
@@ -70,8 +70,8 @@ Task<Variant> AccessibilityBus::call(Address object, const char* interface, cons
   co_return answer;
 }
 
-Task<std::string> AccessibilityBus::text(Address object, const char* interface, const char* property) const {
-  const auto reply = co_await call(std::move(object), "org.freedesktop.DBus.Properties", "Get",
+Task<std::string> AccessibilityBus::text(const Address& object, const char* interface, const char* property) const {
+  const auto reply = co_await call(object, "org.freedesktop.DBus.Properties", "Get",
                                    g_variant_new("(ss)", interface, property), "(v)");
   if (!reply) co_return "";
   GVariant* boxed = nullptr;

@@ -28,10 +28,10 @@ class AccessibilityBus {
 
   /// The reply, of the type `reply`; null when the other side answered with an error or with another type.
   /// Takes `arguments` over if it is floating. Throws Silence.
-  Task<Variant> call(Address object, const char* interface, const char* method, GVariant* arguments,
+  Task<Variant> call(const Address& object, const char* interface, const char* method, GVariant* arguments,
                      const char* reply) const;
   /// A property's text; empty when it has none.
-  Task<std::string> text(Address object, const char* interface, const char* property) const;
+  Task<std::string> text(const Address& object, const char* interface, const char* property) const;
 
  private:
   Object<GDBusConnection> connection_;

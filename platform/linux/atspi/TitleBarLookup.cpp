@@ -17,7 +17,6 @@ namespace {
 constexpr const char* accessible = "org.a11y.atspi.Accessible";
 constexpr const char* application = "org.a11y.atspi.Application";
 constexpr const char* component = "org.a11y.atspi.Component";
-constexpr const char* rootPath = "/org/a11y/atspi/accessible/root";
 
 /// A title bar is at the top and holds little; a window's content can be endless. These bounds keep to the former.
 constexpr std::size_t widest = 64;
@@ -43,9 +42,9 @@ bool isContainer(AtspiRole role) {
   return std::ranges::find(roles, role) != roles.end();
 }
 
-Task<std::vector<Address>> children(const AccessibilityBus& bus, Address parent) {
+Task<std::vector<Address>> children(const AccessibilityBus& bus, const Address& parent) {
   std::vector<Address> found;
-  const auto reply = co_await bus.call(std::move(parent), accessible, "GetChildren", nullptr, "(a(so))");
+  const auto reply = co_await bus.call(parent, accessible, "GetChildren", nullptr, "(a(so))");
   if (!reply) co_return found;
   const Variant list(g_variant_get_child_value(reply.get(), 0));
   const std::size_t count = std::min<std::size_t>(g_variant_n_children(list.get()), widest);
@@ -58,15 +57,15 @@ Task<std::vector<Address>> children(const AccessibilityBus& bus, Address parent)
   co_return found;
 }
 
-Task<AtspiRole> role(const AccessibilityBus& bus, Address object) {
-  const auto reply = co_await bus.call(std::move(object), accessible, "GetRole", nullptr, "(u)");
+Task<AtspiRole> role(const AccessibilityBus& bus, const Address& object) {
+  const auto reply = co_await bus.call(object, accessible, "GetRole", nullptr, "(u)");
   guint32 number = ATSPI_ROLE_INVALID;
   if (reply) g_variant_get(reply.get(), "(u)", &number);
   co_return static_cast<AtspiRole>(number);
 }
 
-Task<guint32> states(const AccessibilityBus& bus, Address object) {
-  const auto reply = co_await bus.call(std::move(object), accessible, "GetState", nullptr, "(au)");
+Task<guint32> states(const AccessibilityBus& bus, const Address& object) {
+  const auto reply = co_await bus.call(object, accessible, "GetState", nullptr, "(au)");
   if (!reply) co_return 0u;
   const Variant words(g_variant_get_child_value(reply.get(), 0));
   guint32 first = 0;
@@ -77,8 +76,8 @@ Task<guint32> states(const AccessibilityBus& bus, Address object) {
 bool has(guint32 states, AtspiStateType state) { return (states >> state & 1u) != 0; }
 
 /// In the coordinates of the toplevel: those are right in every toolkit and stay right while the window is moved.
-Task<std::optional<CGRect>> extents(const AccessibilityBus& bus, Address object) {
-  const auto reply = co_await bus.call(std::move(object), component, "GetExtents",
+Task<std::optional<CGRect>> extents(const AccessibilityBus& bus, const Address& object) {
+  const auto reply = co_await bus.call(object, component, "GetExtents",
                                        g_variant_new("(u)", static_cast<guint32>(ATSPI_COORD_TYPE_WINDOW)), "((iiii))");
   if (!reply) co_return std::nullopt;
   gint32 x = 0;
@@ -90,9 +89,9 @@ Task<std::optional<CGRect>> extents(const AccessibilityBus& bus, Address object)
 }
 
 /// None for toolkits whose title bars we do not know.
-Task<std::optional<Toolkit>> toolkit(const AccessibilityBus& bus, Address root) {
+Task<std::optional<Toolkit>> toolkit(const AccessibilityBus& bus, const Address& root) {
   const auto name = co_await bus.text(root, application, "ToolkitName");
-  const auto version = co_await bus.text(std::move(root), application, "Version");
+  const auto version = co_await bus.text(root, application, "Version");
   if (name != "gtk" && name != "GTK") co_return std::nullopt;
   if (version.starts_with("3.")) co_return Toolkit::Gtk3;
   if (version.starts_with("4.")) co_return Toolkit::Gtk4;
@@ -105,9 +104,10 @@ struct Toplevel {
 };
 
 /// The window among an application's toplevels: of its size and, when several are, of its title.
-Task<std::optional<Toplevel>> toplevel(const AccessibilityBus& bus, Address root, Toolkit kind, const Window& window) {
+Task<std::optional<Toplevel>> toplevel(const AccessibilityBus& bus, const Address& root, Toolkit kind,
+                                       const Window& window) {
   std::vector<Toplevel> fitting;
-  const auto candidates = co_await children(bus, std::move(root));
+  const auto candidates = co_await children(bus, root);
   for (const auto& candidate : candidates) {
     const auto rect = co_await extents(bus, candidate);
     if (!rect) continue;
@@ -123,12 +123,12 @@ Task<std::optional<Toplevel>> toplevel(const AccessibilityBus& bus, Address root
   co_return fitting.front();
 }
 
-Task<std::optional<FoundButton>> visibleButton(const AccessibilityBus& bus, Address object) {
+Task<std::optional<FoundButton>> visibleButton(const AccessibilityBus& bus, const Address& object) {
   const auto state = co_await states(bus, object);
   if (!has(state, ATSPI_STATE_VISIBLE)) co_return std::nullopt;
   const auto rect = co_await extents(bus, object);
   if (!rect || rect->size.width < 1 || rect->size.height < 1) co_return std::nullopt;
-  auto name = co_await bus.text(std::move(object), accessible, "Name");
+  auto name = co_await bus.text(object, accessible, "Name");
   co_return FoundButton{std::move(name), *rect, has(state, ATSPI_STATE_SENSITIVE)};
 }
 
@@ -138,7 +138,7 @@ bool isInTitleBar(CGRect rect, const Placement& where) {
 }
 
 /// The push buttons at the window's top, by their parents.
-Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, Toplevel window) {
+Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, const Toplevel& window) {
   struct Container {
     Address object;
     int depth;
@@ -193,8 +193,9 @@ Task<std::vector<TitleBarButton>> TitleBarLookup::find(const AccessibilityBus& b
 
 /// A process may have several connections, and the registry names only the connections that show something.
 Task<std::vector<Address>> TitleBarLookup::applications(const AccessibilityBus& bus, pid_t pid) {
-  const auto reply =
-      co_await bus.call({"org.a11y.atspi.Registry", rootPath}, accessible, "GetChildren", nullptr, "(a(so))");
+  const Address registry{"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"};
+  const Address daemon{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
+  const auto reply = co_await bus.call(registry, accessible, "GetChildren", nullptr, "(a(so))");
   std::vector<Address> found;
   if (!reply) co_return found;
   std::map<std::string, pid_t> present;
@@ -210,9 +211,8 @@ Task<std::vector<Address>> TitleBarLookup::applications(const AccessibilityBus& 
       process = static_cast<guint32>(known->second);
     } else {
       // The bus itself answers this, whatever the application is doing.
-      const auto answer =
-          co_await bus.call({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus",
-                            "GetConnectionUnixProcessID", g_variant_new("(s)", object.name.c_str()), "(u)");
+      const auto answer = co_await bus.call(daemon, "org.freedesktop.DBus", "GetConnectionUnixProcessID",
+                                            g_variant_new("(s)", object.name.c_str()), "(u)");
       if (!answer) continue;
       g_variant_get(answer.get(), "(u)", &process);
     }
@@ -223,7 +223,7 @@ Task<std::vector<Address>> TitleBarLookup::applications(const AccessibilityBus& 
   co_return found;
 }
 
-Task<std::vector<TitleBarButton>> TitleBarLookup::findIn(const AccessibilityBus& bus, Address root,
+Task<std::vector<TitleBarButton>> TitleBarLookup::findIn(const AccessibilityBus& bus, const Address& root,
                                                          const Window& window) {
   const auto kind = co_await toolkit(bus, root);
   if (!kind) co_return {};
@@ -231,7 +231,7 @@ Task<std::vector<TitleBarButton>> TitleBarLookup::findIn(const AccessibilityBus&
   if (!found) co_return {};
   const auto groups = co_await buttonGroups(bus, *found);
   if (groups.empty()) co_return {};
-  const auto locale = co_await bus.text(std::move(root), accessible, "Locale");
+  const auto locale = co_await bus.text(root, accessible, "Locale");
   co_return titleBarButtons(groups, names(*kind, locale, window.pid), decorationLayout_, *kind, window, found->where);
 }
 

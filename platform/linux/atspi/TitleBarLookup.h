@@ -25,7 +25,8 @@ class TitleBarLookup {
 
  private:
   Task<std::vector<Address>> applications(const AccessibilityBus& bus, pid_t pid);
-  Task<std::vector<TitleBarButton>> findIn(const AccessibilityBus& bus, Address application, const Window& window);
+  Task<std::vector<TitleBarButton>> findIn(const AccessibilityBus& bus, const Address& application,
+                                           const Window& window);
   const ButtonNames& names(Toolkit toolkit, const std::string& locale, pid_t pid);
 
   std::string decorationLayout_;
