@@ -1,0 +1,280 @@
+#include "tests/support/DesktopSession.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <system_error>
+
+namespace support {
+
+namespace {
+
+constexpr auto startBound = std::chrono::seconds(30);
+
+/// The pipe through which a server tells its address once it is ready.
+class ReadyPipe {
+ public:
+  ReadyPipe() {
+    if (pipe(ends_) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
+    fcntl(ends_[0], F_SETFD, FD_CLOEXEC);
+  }
+  ~ReadyPipe() {
+    close(ends_[0]);
+    if (ends_[1] >= 0) close(ends_[1]);
+  }
+  ReadyPipe(const ReadyPipe&) = delete;
+  ReadyPipe& operator=(const ReadyPipe&) = delete;
+
+  int writeEnd() const { return ends_[1]; }
+
+  std::string readLine() {
+    close(ends_[1]);
+    ends_[1] = -1;
+    std::string line;
+    pollfd readable{ends_[0], POLLIN, 0};
+    char next = 0;
+    while (poll(&readable, 1, static_cast<int>(std::chrono::milliseconds(startBound).count())) == 1 &&
+           read(ends_[0], &next, 1) == 1 && next != '\n') {
+      line += next;
+    }
+    if (line.empty()) throw std::runtime_error("a server did not start");
+    return line;
+  }
+
+ private:
+  int ends_[2] = {-1, -1};
+};
+
+/// Openbox ignores a modified click on a button unless it is told what to do; people tell it, so that "native" can be
+/// seen here too.
+void bindModifiedClicks(const std::filesystem::path& configuration) {
+  std::string text = readFile("/etc/xdg/openbox/rc.xml");
+  const std::string context = "<context name=\"Iconify\">";
+  const auto place = text.find(context);
+  if (place == std::string::npos) throw std::runtime_error("openbox's default configuration is another one");
+  std::string bindings;
+  for (const char* modifier : {"S", "C", "A", "W"}) {
+    bindings += std::string("<mousebind button=\"") + modifier +
+                "-Left\" action=\"Click\"><action name=\"Iconify\"/></mousebind>\n";
+  }
+  writeFile(configuration, text.insert(place + context.size(), bindings));
+}
+
+}  // namespace
+
+std::string name(WindowManager windowManager) { return windowManager == WindowManager::Openbox ? "openbox" : "xfwm4"; }
+
+DesktopSession::DesktopSession(WindowManager windowManager, int width, int height) : windowManager_(windowManager) {
+  std::string pattern = std::filesystem::temp_directory_path() / "ostrel-desktop-XXXXXX";
+  if (mkdtemp(pattern.data()) == nullptr) throw std::system_error(errno, std::generic_category(), "mkdtemp");
+  home_ = pattern;
+  const auto folder = [&](const char* name) {
+    std::filesystem::create_directory(home_ / name);
+    std::filesystem::permissions(home_ / name, std::filesystem::perms::owner_all);
+    return (home_ / name).string();
+  };
+  environment_ = {{"HOME", home_},
+                  {"XDG_CONFIG_HOME", folder("config")},
+                  {"XDG_DATA_HOME", folder("data")},
+                  {"XDG_CACHE_HOME", folder("cache")},
+                  {"XDG_STATE_HOME", folder("state")},
+                  {"XDG_RUNTIME_DIR", folder("runtime")},
+                  {"XDG_SESSION_TYPE", "x11"},
+                  {"WAYLAND_DISPLAY", ""},
+                  {"LC_ALL", "C.UTF-8"},
+                  {"GSETTINGS_BACKEND", "memory"},
+                  {"GIO_USE_VFS", "local"}};
+  bindModifiedClicks(home_ / "config/openbox/rc.xml");
+  startServer(width, height);
+  startBus();
+  restartWindowManager();
+}
+
+DesktopSession::~DesktopSession() {
+  ostrel_.reset();
+  applications_.clear();
+  windowManagerProcess_.reset();
+  bus_.reset();
+  x_.reset();
+  server_.reset();
+  std::error_code ignored;
+  std::filesystem::remove_all(home_, ignored);
+}
+
+void DesktopSession::startServer(int width, int height) {
+  ReadyPipe ready;
+  const auto screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
+  server_ = std::make_unique<ChildProcess>(
+      Arguments{"Xvfb", "-screen", "0", screen, "-nolisten", "tcp", "-noreset", "-displayfd",
+                std::to_string(ready.writeEnd())},
+      environment_, log("xvfb"), ready.writeEnd());
+  environment_["DISPLAY"] = ":" + ready.readLine();
+  x_ = std::make_unique<XClient>(environment_["DISPLAY"]);
+}
+
+void DesktopSession::startBus() {
+  ReadyPipe ready;
+  bus_ = std::make_unique<ChildProcess>(
+      Arguments{"dbus-daemon", "--session", "--nofork", "--nosyslog",
+                "--print-address=" + std::to_string(ready.writeEnd())},
+      environment_, log("bus"), ready.writeEnd());
+  environment_["DBUS_SESSION_BUS_ADDRESS"] = ready.readLine();
+}
+
+void DesktopSession::restartWindowManager() {
+  const std::string program = name(windowManager_);
+  const auto before = x_->property(x_->root(), "_NET_SUPPORTING_WM_CHECK");
+  auto next = std::make_unique<ChildProcess>(Arguments{program, "--replace"}, environment_, log(program));
+  const bool ready = x_->waitUntil(
+      [&] {
+        const auto check = x_->property(x_->root(), "_NET_SUPPORTING_WM_CHECK");
+        return !check.empty() && check != before && x_->property(check[0], "_NET_SUPPORTING_WM_CHECK") == check;
+      },
+      startBound);
+  if (!ready) throw std::runtime_error(program + " did not start");
+  windowManagerProcess_ = std::move(next);
+}
+
+Window DesktopSession::open(const Arguments& arguments) {
+  const auto before = x_->clients();
+  applications_.push_back(
+      std::make_unique<ChildProcess>(arguments, environment_, log("application" + std::to_string(applications_.size()))));
+  Window window = XCB_NONE;
+  const bool opened = x_->waitUntil(
+      [&] {
+        for (const Window client : x_->clients()) {
+          const auto attributes = x_->attributes(client);
+          if (std::find(before.begin(), before.end(), client) == before.end() && attributes &&
+              attributes->map_state == XCB_MAP_STATE_VIEWABLE && !x_->property(client, "WM_STATE").empty()) {
+            window = client;
+          }
+        }
+        return window != XCB_NONE;
+      },
+      startBound);
+  if (!opened) throw std::runtime_error(arguments[0] + " opened no window");
+  return window;
+}
+
+Window DesktopSession::open(const Arguments& arguments, const Frame& frame) {
+  const Window window = open(arguments);
+  place(window, frame);
+  return window;
+}
+
+void DesktopSession::place(Window window, const Frame& wanted) {
+  // Toolkits settle their extents after the first map, so the request is repeated until it fits.
+  const auto placed = [&] {
+    const auto now = x_->frame(window);
+    // Applications with size increments come out a little smaller.
+    return now && now->x == wanted.x && now->y == wanted.y && std::abs(now->width - wanted.width) < 20 &&
+           std::abs(now->height - wanted.height) < 20;
+  };
+  for (int attempt = 0; attempt < 10; ++attempt) {
+    x_->moveResize(window, wanted);
+    if (x_->waitUntil(placed, std::chrono::seconds(1))) return;
+  }
+  std::ostringstream message;
+  message << "a window could not be placed at " << wanted << ", it is at " << x_->frame(window).value_or(Frame{});
+  throw std::runtime_error(message.str());
+}
+
+void DesktopSession::setMonitors(const std::vector<Monitor>& monitors) {
+  for (const Monitor& monitor : monitors) {
+    const bool first = &monitor == &monitors.front();
+    const Frame& bounds = monitor.bounds;
+    std::ostringstream geometry;  // the sizes in millimetres are those of a common screen
+    geometry << bounds.width << '/' << bounds.width / 4 << 'x' << bounds.height << '/' << bounds.height / 4 << '+'
+             << bounds.x << '+' << bounds.y;
+    // The virtual screen's one output goes to the first, or it would stay listed beside them; a star means primary.
+    const auto result = run({"xrandr", "--setmonitor", (first ? "*" : "") + monitor.name, geometry.str(),
+                             first ? "screen" : "none"},
+                            environment_, log("xrandr"));
+    if (result.status != 0) throw std::runtime_error("no second monitor: " + result.output);
+  }
+}
+
+void DesktopSession::writePreferences(const std::string& object) {
+  writeFile(home_ / "config/ostrel/preferences.json", object);
+}
+
+CommandResult DesktopSession::ostrelCommand(const Arguments& arguments) {
+  Arguments command{OSTREL_PROGRAM};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return run(command, environment_, log("command"));
+}
+
+void DesktopSession::startOstrel() {
+  const auto granted = ostrelCommand({"accessibility", "grant"});
+  if (granted.status != 0) throw std::runtime_error("consent was refused: " + granted.output);
+  ostrel_ = std::make_unique<ChildProcess>(Arguments{OSTREL_PROGRAM}, environment_, log("ostrel"));
+  if (!x_->waitUntil([&] { return x_->isButtonGrabbed(); }, startBound)) {
+    throw std::runtime_error("Ostrel does not watch the mouse: " + ostrelLog());
+  }
+}
+
+std::string DesktopSession::ostrelLog() const { return readFile(log("ostrel")); }
+
+std::vector<Window> DesktopSession::decoration(Window window) {
+  std::vector<Window> buttons;  // minimise, zoom, close
+  const Window top = x_->topLevel(window);
+  if (windowManager_ == WindowManager::Openbox) {
+    for (const Window child : x_->children(top)) {
+      const auto inTitle = x_->children(child);
+      if (child != window && inTitle.size() == 12) buttons = {inTitle[11], inTitle[6], inTitle[7]};
+    }
+  } else {
+    for (const Window child : x_->children(top)) {
+      const auto attributes = x_->attributes(child);
+      constexpr std::uint32_t crossing = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
+      if (child != window && attributes && attributes->all_event_masks == crossing) buttons.push_back(child);
+    }
+    if (buttons.size() == 6) buttons.erase(buttons.begin(), buttons.begin() + 3);  // menu, stick, shade
+  }
+  return buttons.size() == 3 ? buttons : std::vector<Window>{};
+}
+
+Point DesktopSession::button(Window window, Button button) {
+  if (x_->drawsOwnTitleBar(window)) return clientSideButton(window, button);
+  std::optional<Frame> place;
+  x_->waitUntil([&] {
+    const auto buttons = decoration(window);
+    if (buttons.empty()) return false;
+    const Window one = buttons[static_cast<std::size_t>(button)];
+    const auto attributes = x_->attributes(one);
+    if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE) place = x_->rectangle(one);
+    return place.has_value();
+  });
+  if (!place) throw std::runtime_error("a window has no such button");
+  return {place->x + place->width / 2, place->y + place->height / 2};
+}
+
+Point DesktopSession::clientSideButton(Window window, Button button) {
+  const auto frame = x_->frame(window);
+  if (!frame) throw std::runtime_error("the window is gone");
+  std::vector<Point> found;
+  x_->waitUntil([&] {
+    const auto listed = run({"/usr/bin/python3", OSTREL_TEST_SUPPORT "/title_bar_buttons.py", std::to_string(frame->x),
+                             std::to_string(frame->y)},
+                            environment_, log("buttons"));
+    std::istringstream rows(listed.output);
+    found.clear();
+    for (Point point; rows >> point.x >> point.y;) found.push_back(point);
+    return found.size() == 3;
+  });
+  if (found.size() != 3) throw std::runtime_error("no title-bar buttons: " + readFile(log("buttons")));
+  return found[static_cast<std::size_t>(button)];
+}
+
+Point DesktopSession::titleBar(Window window) {
+  const Point minimise = button(window, Button::Minimise);
+  return {minimise.x - 60, minimise.y};
+}
+
+}  // namespace support

@@ -1,0 +1,84 @@
+// A whole desktop of its own for one test: X server, session bus, window manager, applications, Ostrel, and a home
+// folder that goes away with it.
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/XClient.h"
+
+namespace support {
+
+enum class WindowManager { Openbox, Xfwm4 };
+std::string name(WindowManager windowManager);
+
+enum class Button { Minimise, Zoom, Close };
+
+struct Monitor {
+  std::string name;
+  Frame bounds;
+};
+
+/// Throws std::runtime_error when something does not come up within its bound.
+class DesktopSession {
+ public:
+  explicit DesktopSession(WindowManager windowManager, int width = 1440, int height = 900);
+  ~DesktopSession();
+  DesktopSession(const DesktopSession&) = delete;
+  DesktopSession& operator=(const DesktopSession&) = delete;
+
+  XClient& x() { return *x_; }
+  const std::filesystem::path& home() const { return home_; }
+
+  /// Starts the window manager, in place of one that runs.
+  void restartWindowManager();
+  /// Starts an application and waits for its window, which it then places, if a frame is given.
+  Window open(const Arguments& arguments);
+  Window open(const Arguments& arguments, const Frame& frame);
+  /// The process of the application that was opened last.
+  ChildProcess& application() { return *applications_.back(); }
+  /// Gives the window a frame and waits until it has that position.
+  void place(Window window, const Frame& frame);
+
+  /// Divides the screen into monitors; the first is the primary one.
+  void setMonitors(const std::vector<Monitor>& monitors);
+
+  /// Replaces the preference file by this JSON object.
+  void writePreferences(const std::string& object);
+  /// Runs `ostrel` with these arguments to its end.
+  CommandResult ostrelCommand(const Arguments& arguments);
+  /// Gives consent, starts Ostrel and waits until it watches the mouse.
+  void startOstrel();
+  ChildProcess& ostrel() { return *ostrel_; }
+  /// What Ostrel has written to its outputs.
+  std::string ostrelLog() const;
+
+  /// The centre of a window's button, found as a person would: on the screen. Throws when the window has no such button.
+  Point button(Window window, Button button);
+  void click(Window window, Button which, int mouseButton = 1) { x_->click(button(window, which), mouseButton); }
+  /// A point of the title bar without a button.
+  Point titleBar(Window window);
+
+ private:
+  std::filesystem::path log(const std::string& name) const { return home_ / (name + ".log"); }
+  void startServer(int width, int height);
+  void startBus();
+  std::vector<Window> decoration(Window window);
+  Point clientSideButton(Window window, Button button);
+
+  WindowManager windowManager_;
+  std::filesystem::path home_;
+  Environment environment_;
+  std::unique_ptr<ChildProcess> server_;
+  std::unique_ptr<XClient> x_;
+  std::unique_ptr<ChildProcess> bus_;
+  std::unique_ptr<ChildProcess> windowManagerProcess_;
+  std::vector<std::unique_ptr<ChildProcess>> applications_;
+  std::unique_ptr<ChildProcess> ostrel_;
+};
+
+}  // namespace support

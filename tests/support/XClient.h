@@ -1,0 +1,102 @@
+// What a test sees and does on an X server: windows as a person sees them, and real input.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace support {
+
+using Window = xcb_window_t;
+
+struct Point {
+  int x = 0;
+  int y = 0;
+};
+
+/// In root coordinates; of a window: with its decorations, without invisible shadows.
+struct Frame {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  friend bool operator==(const Frame&, const Frame&) = default;
+  friend std::ostream& operator<<(std::ostream& stream, const Frame& frame);
+};
+
+enum class Key : xcb_keysym_t {
+  Shift = 0xffe1,
+  Control = 0xffe3,
+  Alt = 0xffe9,
+  Super = 0xffeb,
+  CapsLock = 0xffe5,
+  NumLock = 0xff7f,
+};
+
+/// One connection, used from one thread. Questions about a window that is gone answer nothing.
+class XClient {
+ public:
+  /// Throws when the display cannot be opened.
+  explicit XClient(const std::string& display);
+
+  Window root() const { return root_; }
+  /// Looks at `condition` again after whatever happens on the display (and now and then, for conditions that are not
+  /// about the display) until it holds; false when it does not within `bound`.
+  bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds bound = std::chrono::seconds(10));
+
+  std::vector<std::uint32_t> property(Window window, const std::string& name);
+  /// The managed windows, oldest first.
+  std::vector<Window> clients();
+  std::vector<Window> children(Window window);
+  std::optional<xcb_get_window_attributes_reply_t> attributes(Window window);
+  /// The window's own rectangle in root coordinates.
+  std::optional<Frame> rectangle(Window window);
+  std::optional<Frame> frame(Window window);
+  /// Whether the application, not the window manager, draws the title bar.
+  bool drawsOwnTitleBar(Window window);
+  bool isIconic(Window window);
+  bool isMaximised(Window window);
+  /// The top-level window that holds this one: a client's decoration.
+  Window topLevel(Window window);
+  /// Whether some client owns the primary selection.
+  bool hasPrimarySelection();
+
+  /// Asks the window manager for a frame.
+  void moveResize(Window window, const Frame& frame);
+  /// Raises, focuses and brings back from the icon.
+  void activate(Window window);
+
+  void movePointer(Point point);
+  void button(int number, bool down);
+  void key(Key key, bool down);
+  void click(Point point, int number = 1);
+  /// Presses at the first point and releases at the last.
+  void drag(const std::vector<Point>& path);
+  /// Whether a lock key is on.
+  bool isOn(Key lock);
+
+  /// Whether another client holds the first button's presses on the root window.
+  bool isButtonGrabbed();
+  /// Whether the pointer is free, neither frozen nor grabbed.
+  bool isPointerFree();
+
+ private:
+  struct Disconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+  };
+  xcb_atom_t atom(const std::string& name);
+  bool hasState(Window window, const std::string& name);
+  void sendToRoot(Window window, const std::string& type, const std::vector<std::uint32_t>& data);
+  xcb_keycode_t keycode(Key key);
+
+  std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+  Window root_ = XCB_NONE;
+};
+
+}  // namespace support
