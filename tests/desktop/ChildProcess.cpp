@@ -1,4 +1,4 @@
-#include "tests/support/ChildProcess.h"
+#include "tests/desktop/ChildProcess.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -14,7 +14,7 @@
 #include <stdexcept>
 #include <system_error>
 
-namespace support {
+namespace desktoptest {
 
 namespace {
 
@@ -112,4 +112,4 @@ void writeFile(const std::filesystem::path& path, const std::string& text) {
   std::filesystem::rename(next, path);
 }
 
-}  // namespace support
+}  // namespace desktoptest

@@ -1,4 +1,4 @@
-#include "tests/support/DesktopSession.h"
+#include "tests/desktop/DesktopSession.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <system_error>
 
-namespace support {
+namespace desktoptest {
 
 namespace {
 
@@ -110,20 +110,18 @@ DesktopSession::~DesktopSession() {
 void DesktopSession::startServer(int width, int height) {
   ReadyPipe ready;
   const auto screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
-  server_ = std::make_unique<ChildProcess>(
-      Arguments{"Xvfb", "-screen", "0", screen, "-nolisten", "tcp", "-noreset", "-displayfd",
-                std::to_string(ready.writeEnd())},
-      environment_, log("xvfb"), ready.writeEnd());
+  server_ = std::make_unique<ChildProcess>(Arguments{"Xvfb", "-screen", "0", screen, "-nolisten", "tcp", "-noreset",
+                                                     "-displayfd", std::to_string(ready.writeEnd())},
+                                           environment_, log("xvfb"), ready.writeEnd());
   environment_["DISPLAY"] = ":" + ready.readLine();
   x_ = std::make_unique<XClient>(environment_["DISPLAY"]);
 }
 
 void DesktopSession::startBus() {
   ReadyPipe ready;
-  bus_ = std::make_unique<ChildProcess>(
-      Arguments{"dbus-daemon", "--session", "--nofork", "--nosyslog",
-                "--print-address=" + std::to_string(ready.writeEnd())},
-      environment_, log("bus"), ready.writeEnd());
+  bus_ = std::make_unique<ChildProcess>(Arguments{"dbus-daemon", "--session", "--nofork", "--nosyslog",
+                                                  "--print-address=" + std::to_string(ready.writeEnd())},
+                                        environment_, log("bus"), ready.writeEnd());
   environment_["DBUS_SESSION_BUS_ADDRESS"] = ready.readLine();
 }
 
@@ -143,8 +141,8 @@ void DesktopSession::restartWindowManager() {
 
 Window DesktopSession::open(const Arguments& arguments) {
   const auto before = x_->clients();
-  applications_.push_back(
-      std::make_unique<ChildProcess>(arguments, environment_, log("application" + std::to_string(applications_.size()))));
+  applications_.push_back(std::make_unique<ChildProcess>(arguments, environment_,
+                                                         log("application" + std::to_string(applications_.size()))));
   Window window = XCB_NONE;
   const bool opened = x_->waitUntil(
       [&] {
@@ -193,9 +191,8 @@ void DesktopSession::setMonitors(const std::vector<Monitor>& monitors) {
     geometry << bounds.width << '/' << bounds.width / 4 << 'x' << bounds.height << '/' << bounds.height / 4 << '+'
              << bounds.x << '+' << bounds.y;
     // The virtual screen's one output goes to the first, or it would stay listed beside them; a star means primary.
-    const auto result = run({"xrandr", "--setmonitor", (first ? "*" : "") + monitor.name, geometry.str(),
-                             first ? "screen" : "none"},
-                            environment_, log("xrandr"));
+    const auto result = command(
+        {"xrandr", "--setmonitor", (first ? "*" : "") + monitor.name, geometry.str(), first ? "screen" : "none"});
     if (result.status != 0) throw std::runtime_error("no second monitor: " + result.output);
   }
 }
@@ -204,10 +201,14 @@ void DesktopSession::writePreferences(const std::string& object) {
   writeFile(home_ / "config/ostrel/preferences.json", object);
 }
 
+CommandResult DesktopSession::command(const Arguments& arguments) {
+  return run(arguments, environment_, log("command"));
+}
+
 CommandResult DesktopSession::ostrelCommand(const Arguments& arguments) {
-  Arguments command{OSTREL_PROGRAM};
-  command.insert(command.end(), arguments.begin(), arguments.end());
-  return run(command, environment_, log("command"));
+  Arguments whole{OSTREL_PROGRAM};
+  whole.insert(whole.end(), arguments.begin(), arguments.end());
+  return command(whole);
 }
 
 void DesktopSession::startOstrel() {
@@ -260,15 +261,14 @@ Point DesktopSession::clientSideButton(Window window, Button button) {
   if (!frame) throw std::runtime_error("the window is gone");
   std::vector<Point> found;
   x_->waitUntil([&] {
-    const auto listed = run({"/usr/bin/python3", OSTREL_TEST_SUPPORT "/title_bar_buttons.py", std::to_string(frame->x),
-                             std::to_string(frame->y)},
-                            environment_, log("buttons"));
+    const auto listed = command({"/usr/bin/python3", OSTREL_DESKTOP_TESTS "/title_bar_buttons.py",
+                                 std::to_string(frame->x), std::to_string(frame->y)});
     std::istringstream rows(listed.output);
     found.clear();
     for (Point point; rows >> point.x >> point.y;) found.push_back(point);
     return found.size() == 3;
   });
-  if (found.size() != 3) throw std::runtime_error("no title-bar buttons: " + readFile(log("buttons")));
+  if (found.size() != 3) throw std::runtime_error("no title-bar buttons: " + readFile(log("command")));
   return found[static_cast<std::size_t>(button)];
 }
 
@@ -277,4 +277,4 @@ Point DesktopSession::titleBar(Window window) {
   return {minimise.x - 60, minimise.y};
 }
 
-}  // namespace support
+}  // namespace desktoptest

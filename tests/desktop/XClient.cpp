@@ -1,4 +1,4 @@
-#include "tests/support/XClient.h"
+#include "tests/desktop/XClient.h"
 
 #include <poll.h>
 #include <xcb/xtest.h>
@@ -8,7 +8,7 @@
 #include <ostream>
 #include <stdexcept>
 
-namespace support {
+namespace desktoptest {
 
 namespace {
 
@@ -86,8 +86,8 @@ std::optional<xcb_get_window_attributes_reply_t> XClient::attributes(Window wind
 std::optional<Frame> XClient::rectangle(Window window) {
   auto* c = connection_.get();
   const auto geometry = owned(xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));
-  const auto origin = owned(
-      xcb_translate_coordinates_reply(c, xcb_translate_coordinates(c, window, root_, 0, 0), nullptr));
+  const auto origin =
+      owned(xcb_translate_coordinates_reply(c, xcb_translate_coordinates(c, window, root_, 0, 0), nullptr));
   if (!geometry || !origin) return std::nullopt;
   return Frame{origin->dst_x, origin->dst_y, geometry->width, geometry->height};
 }
@@ -139,11 +139,10 @@ Window XClient::topLevel(Window window) {
   }
 }
 
-bool XClient::hasPrimarySelection() {
+Window XClient::primarySelectionOwner() {
   auto* c = connection_.get();
-  const auto reply =
-      owned(xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, XCB_ATOM_PRIMARY), nullptr));
-  return reply && reply->owner != XCB_NONE;
+  const auto reply = owned(xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, XCB_ATOM_PRIMARY), nullptr));
+  return reply ? reply->owner : Window{XCB_NONE};
 }
 
 void XClient::sendToRoot(Window window, const std::string& type, const std::vector<std::uint32_t>& data) {
@@ -153,8 +152,7 @@ void XClient::sendToRoot(Window window, const std::string& type, const std::vect
   event.window = window;
   event.type = atom(type);
   std::copy(data.begin(), data.end(), event.data.data32);
-  xcb_send_event(connection_.get(), 0, root_,
-                 XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+  xcb_send_event(connection_.get(), 0, root_, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                  reinterpret_cast<const char*>(&event));
   xcb_flush(connection_.get());
 }
@@ -204,8 +202,8 @@ xcb_keycode_t XClient::keycode(Key key) {
   auto* c = connection_.get();
   const auto* setup = xcb_get_setup(c);
   const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
-  const auto reply = owned(
-      xcb_get_keyboard_mapping_reply(c, xcb_get_keyboard_mapping(c, setup->min_keycode, count), nullptr));
+  const auto reply =
+      owned(xcb_get_keyboard_mapping_reply(c, xcb_get_keyboard_mapping(c, setup->min_keycode, count), nullptr));
   if (!reply) throw std::runtime_error("no keyboard mapping");
   const auto* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
   const auto* end = symbols + xcb_get_keyboard_mapping_keysyms_length(reply.get());
@@ -218,6 +216,11 @@ void XClient::key(Key key, bool down) {
   xcb_test_fake_input(connection_.get(), down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode(key), XCB_CURRENT_TIME,
                       XCB_NONE, 0, 0, 0);
   xcb_flush(connection_.get());
+}
+
+void XClient::type(char letter) {
+  key(static_cast<Key>(letter), true);
+  key(static_cast<Key>(letter), false);
 }
 
 bool XClient::isOn(Key lock) {
@@ -240,8 +243,8 @@ bool XClient::isButtonGrabbed() {
 
 bool XClient::isPointerFree() {
   auto* c = connection_.get();
-  const auto cookie = xcb_grab_pointer(c, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE,
-                                       XCB_CURRENT_TIME);
+  const auto cookie =
+      xcb_grab_pointer(c, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
   const auto reply = owned(xcb_grab_pointer_reply(c, cookie, nullptr));
   if (!reply || reply->status != XCB_GRAB_STATUS_SUCCESS) return false;
   xcb_ungrab_pointer(c, XCB_CURRENT_TIME);
@@ -249,4 +252,4 @@ bool XClient::isPointerFree() {
   return true;
 }
 
-}  // namespace support
+}  // namespace desktoptest

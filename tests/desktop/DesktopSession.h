@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/ChildProcess.h"
-#include "tests/support/XClient.h"
+#include "tests/desktop/ChildProcess.h"
+#include "tests/desktop/XClient.h"
 
-namespace support {
+namespace desktoptest {
 
 enum class WindowManager { Openbox, Xfwm4 };
 std::string name(WindowManager windowManager);
@@ -36,6 +36,7 @@ class DesktopSession {
 
   /// Starts the window manager, in place of one that runs.
   void restartWindowManager();
+  void stopServer() { server_.reset(); }
   /// Starts an application and waits for its window, which it then places, if a frame is given.
   Window open(const Arguments& arguments);
   Window open(const Arguments& arguments, const Frame& frame);
@@ -47,17 +48,21 @@ class DesktopSession {
   /// Divides the screen into monitors; the first is the primary one.
   void setMonitors(const std::vector<Monitor>& monitors);
 
+  /// Runs a program of this desktop to its end.
+  CommandResult command(const Arguments& arguments);
   /// Replaces the preference file by this JSON object.
   void writePreferences(const std::string& object);
   /// Runs `ostrel` with these arguments to its end.
   CommandResult ostrelCommand(const Arguments& arguments);
   /// Gives consent, starts Ostrel and waits until it watches the mouse.
   void startOstrel();
+  void stopOstrel() { ostrel_.reset(); }
   ChildProcess& ostrel() { return *ostrel_; }
   /// What Ostrel has written to its outputs.
   std::string ostrelLog() const;
 
-  /// The centre of a window's button, found as a person would: on the screen. Throws when the window has no such button.
+  /// The centre of a window's button, found as a person would: on the screen. Throws when the window has no such
+  /// button.
   Point button(Window window, Button button);
   void click(Window window, Button which, int mouseButton = 1) { x_->click(button(window, which), mouseButton); }
   /// A point of the title bar without a button.
@@ -81,4 +86,4 @@ class DesktopSession {
   std::unique_ptr<ChildProcess> ostrel_;
 };
 
-}  // namespace support
+}  // namespace desktoptest

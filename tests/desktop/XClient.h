@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace support {
+namespace desktoptest {
 
 using Window = xcb_window_t;
 
@@ -64,8 +64,7 @@ class XClient {
   bool isMaximised(Window window);
   /// The top-level window that holds this one: a client's decoration.
   Window topLevel(Window window);
-  /// Whether some client owns the primary selection.
-  bool hasPrimarySelection();
+  Window primarySelectionOwner();
 
   /// Asks the window manager for a frame.
   void moveResize(Window window, const Frame& frame);
@@ -75,6 +74,7 @@ class XClient {
   void movePointer(Point point);
   void button(int number, bool down);
   void key(Key key, bool down);
+  void type(char letter);
   void click(Point point, int number = 1);
   /// Presses at the first point and releases at the last.
   void drag(const std::vector<Point>& path);
@@ -99,4 +99,4 @@ class XClient {
   Window root_ = XCB_NONE;
 };
 
-}  // namespace support
+}  // namespace desktoptest

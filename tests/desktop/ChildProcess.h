@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace support {
+namespace desktoptest {
 
 using Arguments = std::vector<std::string>;
 /// Changes to the inherited environment.
@@ -53,4 +53,4 @@ std::string readFile(const std::filesystem::path& path);
 /// Replaces the file in one step, as editors do.
 void writeFile(const std::filesystem::path& path, const std::string& text);
 
-}  // namespace support
+}  // namespace desktoptest

@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# run.sh [ARGUMENT...]: builds Ostrel and runs it, with these arguments, on the desktop it is called from. Where there is
+# no display it shows itself on a desktop of its own instead: real applications, real clicks, a picture of each step.
+source "$(dirname "$0")/lib.sh"
+if [ -n "${DISPLAY:-}" ]; then
+  scripts/build.sh
+  exec build/release/ostrel "$@"
+fi
+[ $# -eq 0 ] || die "no display here; without arguments this shows Ostrel on a desktop of its own"
+scripts/setup.sh build desktop
+build release ostrel ostrel_demo
+say "No display here, so this is a desktop of its own"
+exec timeout 120 build/release/ostrel_demo build/demo </dev/null

@@ -1,0 +1,58 @@
+// Everything that people do with the first mouse button but clicking a title-bar button works as ever.
+#include "tests/desktop/DesktopTest.h"
+
+namespace desktoptest {
+namespace {
+
+class PassThrough : public EachWindowManager {};
+
+TEST_P(PassThrough, TitleBarsAreDraggedAndDoubleClicked) {
+  const Window window = openEditor();
+  desktop.startOstrel();
+
+  const Point grip = desktop.titleBar(window);
+  x.drag({grip, {grip.x + 20, grip.y + 10}, {grip.x + 150, grip.y + 100}});
+  const Frame moved{startFrame.x + 150, startFrame.y + 100, startFrame.width, startFrame.height};
+  EXPECT_TRUE(reaches(window, moved));
+
+  const Point title = desktop.titleBar(window);
+  x.click(title);
+  x.click(title);
+  EXPECT_TRUE(happens([&] { return x.isMaximised(window); }));
+}
+
+TEST_P(PassThrough, TextIsSelectedByDraggingAndByDoubleClick) {
+  writeFile(desktop.home() / "words", std::string(2000, 'w'));
+  const Window window = desktop.open(
+      {"xterm", "-xrm", "*wmTimeout: 200", "-e", "cat " + (desktop.home() / "words").string() + "; sleep 1000"},
+      startFrame);
+  desktop.startOstrel();
+  const Frame text = x.rectangle(window).value();
+  const Point start{text.x + 40, text.y + 40};
+  // The terminal may not have drawn its text yet, and then there is nothing to select.
+  EXPECT_TRUE(happens([&] {
+    x.drag({start, {start.x + 60, start.y}, {start.x + 100, start.y + 20}});
+    return x.waitUntil([&] { return x.primarySelectionOwner() != XCB_NONE; }, std::chrono::milliseconds(500));
+  }));
+
+  const Window editor = openEditor({700, 300, 500, 340});
+  const Frame field = x.rectangle(editor).value();
+  for (const char letter : {'o', 's', 't'}) x.type(letter);
+  const Point word{field.x + 30, field.y + 60};
+  const Window terminal = x.primarySelectionOwner();
+  EXPECT_TRUE(happens([&] {
+    x.click(word);
+    x.click(word);
+    return x.waitUntil(
+        [&] {
+          const Window owner = x.primarySelectionOwner();
+          return owner != terminal && owner != XCB_NONE;
+        },
+        std::chrono::milliseconds(500));
+  }));
+}
+
+INSTANTIATE_TEST_SUITE_P(, PassThrough, windowManagers(), parameterName);
+
+}  // namespace
+}  // namespace desktoptest
