@@ -34,8 +34,8 @@ struct FoundButton {
 /// The push buttons that share one parent.
 struct ButtonGroup {
   std::vector<FoundButton> buttons;
-  /// Whether the parent holds further containers. The toolkits keep the title buttons in a box of their own, so such a
-  /// group is the application's, even when a button of it is called "Close".
+  /// Whether the parent also holds containers, or buttons that the application made. The toolkits keep the title
+  /// buttons in a box of their own, so such a group is the application's, even when a button of it is called "Close".
   bool mixed = false;
 };
 

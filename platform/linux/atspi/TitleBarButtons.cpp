@@ -101,8 +101,12 @@ class TitleBarButtons::Worker {
     post([this, id] {
       const auto job = jobs_.find(id);
       if (job == jobs_.end()) return;
-      job->second->attempts = 0;
-      schedule(id, *job->second, 0);
+      Job& known = *job->second;
+      known.attempts = 0;
+      if (known.asking)
+        known.askAgain = true;
+      else
+        schedule(id, known, 0);
     });
   }
 
@@ -221,17 +225,18 @@ class TitleBarButtons::Worker {
 
   /// `found` is none when the application kept silent: then what was known of it stands.
   void digest(std::uint32_t id, Job& job, std::uint64_t revision, std::optional<std::vector<TitleBarButton>> found) {
-    if (std::exchange(job.askAgain, false)) {
-      schedule(id, job, 0);
-      return;
-    }
     if (!found) {
-      schedule(id, job, backOff(silentDelay, job.attempts++));
+      schedule(id, job, std::exchange(job.askAgain, false) ? 0 : backOff(silentDelay, job.attempts++));
       return;
     }
     const bool none = found->empty();
-    if (!publish(id, revision, std::move(*found))) return;
-    if (none) {
+    // Whether or not this answer still fits the window, somebody wants a newer one.
+    const bool current = publish(id, revision, std::move(*found));
+    if (std::exchange(job.askAgain, false)) {
+      schedule(id, job, 0);
+    } else if (!current) {
+      return;
+    } else if (none) {
       if (job.attempts < absentAttempts) schedule(id, job, backOff(absentDelay, job.attempts++));
     } else if (!std::exchange(job.confirmed, true)) {
       schedule(id, job, confirmation);

@@ -123,13 +123,15 @@ Task<std::optional<Toplevel>> toplevel(const AccessibilityBus& bus, const Addres
   co_return fitting.front();
 }
 
-Task<std::optional<FoundButton>> visibleButton(const AccessibilityBus& bus, const Address& object) {
-  const auto state = co_await states(bus, object);
-  if (!has(state, ATSPI_STATE_VISIBLE)) co_return std::nullopt;
-  const auto rect = co_await extents(bus, object);
-  if (!rect || rect->size.width < 1 || rect->size.height < 1) co_return std::nullopt;
-  auto name = co_await bus.text(object, accessible, "Name");
-  co_return FoundButton{std::move(name), *rect, has(state, ATSPI_STATE_SENSITIVE)};
+/// Whether the application made the push button itself; the title buttons are neither reached with the keyboard (GTK 3)
+/// nor labelled (GTK 4). Nothing else tells them from a button that happens to be called "Close".
+Task<bool> isApplicationsOwn(const AccessibilityBus& bus, const Address& button, guint32 state, Toolkit kind) {
+  if (kind == Toolkit::Gtk3) co_return has(state, ATSPI_STATE_FOCUSABLE);
+  const auto parts = co_await children(bus, button);
+  for (const auto& part : parts) {
+    if (co_await role(bus, part) == ATSPI_ROLE_LABEL) co_return true;
+  }
+  co_return false;
 }
 
 bool isInTitleBar(CGRect rect, const Placement& where) {
@@ -138,7 +140,7 @@ bool isInTitleBar(CGRect rect, const Placement& where) {
 }
 
 /// The push buttons at the window's top, by their parents.
-Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, const Toplevel& window) {
+Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, const Toplevel& window, Toolkit kind) {
   struct Container {
     Address object;
     int depth;
@@ -151,11 +153,15 @@ Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, const T
     ButtonGroup group;
     const auto members = co_await children(bus, container.object);
     for (const auto& member : members) {
-      const auto kind = co_await role(bus, member);
-      if (kind == ATSPI_ROLE_PUSH_BUTTON) {
-        auto button = co_await visibleButton(bus, member);
-        if (button && isInTitleBar(button->rect, window.where)) group.buttons.push_back(std::move(*button));
-      } else if (isContainer(kind)) {
+      const auto part = co_await role(bus, member);
+      if (part == ATSPI_ROLE_PUSH_BUTTON) {
+        const auto state = co_await states(bus, member);
+        const auto rect = co_await extents(bus, member);
+        if (!has(state, ATSPI_STATE_VISIBLE) || !rect || !isInTitleBar(*rect, window.where)) continue;
+        group.mixed = group.mixed || co_await isApplicationsOwn(bus, member, state, kind);
+        auto name = co_await bus.text(member, accessible, "Name");
+        group.buttons.push_back({std::move(name), *rect, has(state, ATSPI_STATE_SENSITIVE)});
+      } else if (isContainer(part)) {
         group.mixed = true;
         const auto rect = co_await extents(bus, member);
         if (rect && isInTitleBar(*rect, window.where) && container.depth < deepest)
@@ -229,7 +235,7 @@ Task<std::vector<TitleBarButton>> TitleBarLookup::findIn(const AccessibilityBus&
   if (!kind) co_return {};
   const auto found = co_await toplevel(bus, root, *kind, window);
   if (!found) co_return {};
-  const auto groups = co_await buttonGroups(bus, *found);
+  const auto groups = co_await buttonGroups(bus, *found, *kind);
   if (groups.empty()) co_return {};
   const auto locale = co_await bus.text(root, accessible, "Locale");
   co_return titleBarButtons(groups, names(*kind, locale, window.pid), decorationLayout_, *kind, window, found->where);
