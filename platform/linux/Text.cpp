@@ -2,6 +2,7 @@
 #include "platform/Text.h"
 
 #include <unicode/coll.h>
+#include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
@@ -46,7 +47,11 @@ std::string precomposedString(std::string_view text) {
 
 ComparisonResult localizedCaseInsensitiveCompare(std::string_view one, std::string_view other) {
   UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(status));
+  // The C locale orders by code, upper case first: nobody reads names that way.
+  const icu::Locale& user = icu::Locale::getDefault();
+  const bool isPOSIX = std::string_view(user.getVariant()) == "POSIX";
+  const icu::Locale& locale = isPOSIX ? icu::Locale::getRoot() : user;
+  const std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(locale, status));
   if (U_FAILURE(status)) return static_cast<ComparisonResult>((one > other) - (one < other));
   collator->setStrength(icu::Collator::SECONDARY);  // accents count, letter case does not
   const auto order = collator->compareUTF8({one.data(), static_cast<std::int32_t>(one.size())},
