@@ -1,0 +1,205 @@
+#include "Ostrel/CommandLine.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <iostream>
+
+#include "Ostrel/DisplayCatalogue.h"
+#include "Ostrel/InstanceRequests.h"
+#include "Ostrel/JSONText.h"
+#include "Ostrel/MarginStore.h"
+#include "platform/Application.h"
+#include "platform/Bundle.h"
+#include "platform/Consent.h"
+#include "platform/SingleInstance.h"
+
+namespace ostrel {
+namespace {
+
+using Command = CommandLine::Command;
+
+constexpr std::string_view usage = R"(Usage: ostrel [command]
+
+Without a command Ostrel starts; if it runs already, its settings open.
+
+  settings [general|displays|exclude|about]   open the settings
+  accessibility grant|revoke|status           allow Ostrel to handle clicks, or not
+  displays                                    the displays and their margins, as JSON
+  doctor                                      what Ostrel sees of this desktop
+  --version                                   the version
+  --help                                      this text
+)";
+
+std::string versionText() {
+  const auto version = ns::Bundle::mainBundle()->objectForInfoDictionaryKey("CFBundleShortVersionString");
+  const std::string* text = version ? version->as<std::string>() : nullptr;
+  return "Ostrel " + (text == nullptr ? "?" : *text);
+}
+
+int fail(const std::string& message) {
+  std::cerr << "ostrel: " << message << '\n';
+  return 1;
+}
+
+int changeConsent(bool granted) {
+  const auto problem = ns::setAccessibilityGranted(granted);
+  return problem ? fail(*problem) : 0;
+}
+
+int showConsent() {
+  const bool granted = ns::isAccessibilityGranted();
+  std::cout << (granted ? "granted" : "missing") << '\n';
+  return granted ? 0 : 1;
+}
+
+int showDisplays() {
+  if (const auto reason = ns::desktopUnavailableReason()) return fail(*reason);
+  ns::Application::sharedApplication();  // the desktop stands on it
+  std::cout << displaysAsJSON();
+  return 0;
+}
+
+std::vector<ns::DiagnosticLine> displayLines() {
+  std::vector<ns::DiagnosticLine> lines;
+  for (const DisplayInfo& display : activeDisplays()) {
+    const auto number = [](CGFloat value) { return jsonNumber(value); };
+    lines.push_back({lines.empty() ? "Displays" : "", display.name + ", " + number(display.bounds.size.width) + " × " +
+                                                          number(display.bounds.size.height) + " at (" +
+                                                          number(display.bounds.origin.x) + ", " +
+                                                          number(display.bounds.origin.y) + ")"});
+  }
+  if (lines.empty()) lines.push_back({"Displays", "none"});
+  return lines;
+}
+
+int diagnose() {
+  std::vector<ns::DiagnosticLine> lines = ns::desktopDiagnostics();
+  const auto append = [&](const std::vector<ns::DiagnosticLine>& more) {
+    lines.insert(lines.end(), more.begin(), more.end());
+  };
+  append({{"Consent", ns::isAccessibilityGranted() ? "granted" : "missing (ostrel accessibility grant)"}});
+  const ns::InstanceReply reply = ns::askRunningInstance(statusRequest);
+  switch (reply.status) {
+    case ns::InstanceReply::Status::NotRunning:
+      append({{"Ostrel", "not running"}});
+      break;
+    case ns::InstanceReply::Status::Silent:
+      append({{"Ostrel", "running, but it does not answer"}});
+      break;
+    case ns::InstanceReply::Status::Answered:
+      append({{"Ostrel", "running"}});
+      append(statusLines(reply.text));
+      break;
+  }
+  const auto reason = ns::desktopUnavailableReason();
+  if (!reason) {
+    ns::Application::sharedApplication();  // the desktop stands on it
+    append(displayLines());
+  }
+  std::cout << versionText() << "\n\n";
+  for (const auto& [title, value] : lines) std::cout << std::left << std::setw(20) << title << value << '\n';
+  return reason ? fail(*reason) : 0;
+}
+
+}  // namespace
+
+CommandLine parseCommandLine(std::span<const std::string> arguments) {
+  const auto invalid = [](std::string message) { return CommandLine{Command::Invalid, std::move(message)}; };
+  if (arguments.empty()) return {};
+  const std::string& command = arguments[0];
+  const std::string argument = arguments.size() > 1 ? arguments[1] : std::string();
+  std::size_t expected = 1;
+  CommandLine result;
+  if (command == "--version") {
+    result.command = Command::Version;
+  } else if (command == "--help" || command == "-h") {
+    result.command = Command::Help;
+  } else if (command == "displays") {
+    result.command = Command::Displays;
+  } else if (command == "doctor") {
+    result.command = Command::Doctor;
+  } else if (command == "settings") {
+    if (arguments.size() > 1 && !isTabName(argument)) return invalid("there is no settings tab \"" + argument + "\"");
+    result = {Command::Settings, argument};
+    expected = 2;
+  } else if (command == "accessibility") {
+    expected = 2;
+    if (argument == "grant") {
+      result.command = Command::Grant;
+    } else if (argument == "revoke") {
+      result.command = Command::Revoke;
+    } else if (argument == "status") {
+      result.command = Command::ConsentStatus;
+    } else {
+      return invalid("accessibility takes grant, revoke or status");
+    }
+  } else {
+    return invalid("unknown command \"" + command + "\"");
+  }
+  if (arguments.size() > expected) return invalid("unexpected argument \"" + arguments[expected] + "\"");
+  return result;
+}
+
+std::optional<int> showSettingsOfRunningInstance(const std::string& tab) {
+  switch (ns::askRunningInstance(settingsRequest(tab)).status) {
+    case ns::InstanceReply::Status::Answered:
+      return 0;
+    case ns::InstanceReply::Status::Silent:
+      return fail("Ostrel is running, but it does not answer");
+    case ns::InstanceReply::Status::NotRunning:
+      break;
+  }
+  return std::nullopt;
+}
+
+std::optional<int> perform(const CommandLine& commandLine) {
+  switch (commandLine.command) {
+    case Command::Run:
+    case Command::Settings:
+      if (const auto reason = ns::desktopUnavailableReason()) return fail(*reason);
+      return showSettingsOfRunningInstance(commandLine.argument);
+    case Command::Grant:
+      return changeConsent(true);
+    case Command::Revoke:
+      return changeConsent(false);
+    case Command::ConsentStatus:
+      return showConsent();
+    case Command::Displays:
+      return showDisplays();
+    case Command::Doctor:
+      return diagnose();
+    case Command::Version:
+      std::cout << versionText() << '\n';
+      return 0;
+    case Command::Help:
+      std::cout << usage;
+      return 0;
+    case Command::Invalid:
+      break;
+  }
+  std::cerr << "ostrel: " << commandLine.argument << "\n\n" << usage;
+  return 2;
+}
+
+std::string displaysAsJSON() {
+  const DisplayConfigurationInfo configuration = currentDisplayConfiguration();
+  const auto defaults = ns::UserDefaults::standardUserDefaults();
+  std::string displays;
+  for (const DisplayInfo& display : configuration.displays) {
+    const WindowMargins margins = loadMargins(display, configuration, *defaults);
+    const CGRect& bounds = display.bounds;
+    displays += displays.empty() ? "\n" : ",\n";
+    displays +=
+        "    {\n      \"id\": " + std::to_string(display.id) + ",\n      \"name\": " + jsonText(display.name) +
+        ",\n      \"identityKey\": " + jsonText(display.identityKey) +
+        ",\n      \"bounds\": { \"x\": " + jsonNumber(bounds.origin.x) + ", \"y\": " + jsonNumber(bounds.origin.y) +
+        ", \"width\": " + jsonNumber(bounds.size.width) + ", \"height\": " + jsonNumber(bounds.size.height) +
+        " },\n      \"margins\": { \"top\": " + jsonNumber(margins.top) + ", \"left\": " + jsonNumber(margins.left) +
+        ", \"right\": " + jsonNumber(margins.right) + ", \"bottom\": " + jsonNumber(margins.bottom) + " }\n    }";
+  }
+  if (!displays.empty()) displays += "\n  ";
+  return "{\n  \"key\": " + jsonText(configuration.key) + ",\n  \"label\": " + jsonText(configuration.label) +
+         ",\n  \"displays\": [" + displays + "]\n}\n";
+}
+
+}  // namespace ostrel

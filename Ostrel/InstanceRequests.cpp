@@ -1,0 +1,76 @@
+#include "Ostrel/InstanceRequests.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ostrel {
+namespace {
+
+constexpr std::array<std::string_view, 4> tabNames{"general", "displays", "exclude", "about"};
+constexpr std::string_view settingsWord = "settings";
+
+std::string tapState(const OstrelController& controller) {
+  if (controller.isTapInstalled()) return "installed";
+  return "not installed: " + controller.lastError().value_or("not started yet");
+}
+
+std::string excludedProcesses(const OstrelController& controller) {
+  const std::unordered_set<pid_t> processes = controller.excludedPIDs();
+  std::vector<pid_t> sorted(processes.begin(), processes.end());
+  std::sort(sorted.begin(), sorted.end());
+  std::string text;
+  for (const pid_t pid : sorted) text += (text.empty() ? "" : ", ") + std::to_string(pid);
+  return text.empty() ? "none" : text;
+}
+
+std::string excludedApplications(const OstrelController& controller) {
+  std::string text;
+  for (const ExcludedApp& app : controller.excludedApps()) text += (text.empty() ? "" : ", ") + app.name;
+  return text.empty() ? "none" : text;
+}
+
+/// One line of the answer: title, tab stop, value. A name with a line feed in it must not make two lines.
+std::string line(std::string_view title, std::string value) {
+  std::replace(value.begin(), value.end(), '\n', ' ');
+  return std::string(title) + '\t' + value + '\n';
+}
+
+}  // namespace
+
+bool isTabName(std::string_view name) { return std::find(tabNames.begin(), tabNames.end(), name) != tabNames.end(); }
+
+std::string settingsRequest(std::string_view tab) {
+  return std::string(settingsWord) + (tab.empty() ? "" : " ") + std::string(tab);
+}
+
+std::string answerRequest(std::string_view request, const OstrelController& controller,
+                          const std::function<void(const std::string& tab)>& openSettings) {
+  if (request == statusRequest) {
+    return line("Event tap", tapState(controller)) + line("Last error", controller.lastError().value_or("none")) +
+           line("Excluded apps", excludedApplications(controller)) +
+           line("Excluded processes", excludedProcesses(controller));
+  }
+  if (request.substr(0, settingsWord.size()) == settingsWord) {
+    request.remove_prefix(std::min(request.size(), settingsWord.size() + 1));
+    if (request.empty() || isTabName(request)) {
+      openSettings(std::string(request));
+      return "shown";
+    }
+  }
+  return "unknown request";
+}
+
+std::vector<ns::DiagnosticLine> statusLines(std::string_view answer) {
+  std::vector<ns::DiagnosticLine> lines;
+  while (!answer.empty()) {
+    const auto end = std::min(answer.find('\n'), answer.size());
+    const std::string_view one = answer.substr(0, end);
+    const auto separator = std::min(one.find('\t'), one.size());
+    const auto value = std::min(separator + 1, one.size());
+    lines.push_back({std::string(one.substr(0, separator)), std::string(one.substr(value))});
+    answer.remove_prefix(std::min(end + 1, answer.size()));
+  }
+  return lines;
+}
+
+}  // namespace ostrel
