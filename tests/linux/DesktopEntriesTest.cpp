@@ -30,9 +30,13 @@ TEST(DesktopEntryTest, ReadsWhatTheFormatAllows) {
 
 TEST(DesktopEntryTest, TakesTheNameThatSuitsTheLocaleBest) {
   const std::string text = entryText("Base", "Name[sr]=sr\nName[sr@latin]=sr@latin\nName[sr_RS]=sr_RS\nName[de]=de\n");
-  const std::pair<const char*, const char*> cases[] = {
-      {"sr_RS.UTF-8@latin", "sr_RS"}, {"sr_ME@latin", "sr@latin"}, {"sr_ME", "sr"}, {"de_AT.UTF-8", "de"},
-      {"fr_FR", "Base"},              {"C", "Base"},               {"", "Base"}};
+  const std::pair<const char*, const char*> cases[] = {{"sr_RS.UTF-8@latin", "sr_RS"},
+                                                       {"sr_ME@latin", "sr@latin"},
+                                                       {"sr_ME", "sr"},
+                                                       {"de_AT.UTF-8", "de"},
+                                                       {"fr_FR", "Base"},
+                                                       {"C", "Base"},
+                                                       {"", "Base"}};
   for (const auto& [locale, name] : cases) EXPECT_EQ(parseDesktopEntry(text, locale)->name, name) << locale;
 }
 
@@ -60,9 +64,7 @@ class InstalledApplicationsTest : public testing::Test {
   void install(const std::string& id, const std::string& more = {}) {
     folder.write("user/" + id + ".desktop", entryText(id, more));
   }
-  std::string identify(const WindowOwner& owner) {
-    return identity.describe(owner).bundleIdentifier.value_or("none");
-  }
+  std::string identify(const WindowOwner& owner) { return identity.describe(owner).bundleIdentifier.value_or("none"); }
 
   const support::TemporaryFolder folder;
   DesktopEntries entries{{folder / "user", folder / "system"}, "C"};

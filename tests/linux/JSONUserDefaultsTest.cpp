@@ -18,7 +18,9 @@ using ns::PropertyList;
 
 class JSONUserDefaultsTest : public testing::Test {
  protected:
-  JSONUserDefaults open() { return {folder / "ostrel/preferences.json", {folder / "first.json", folder / "second.json"}}; }
+  JSONUserDefaults open() {
+    return {folder / "ostrel/preferences.json", {folder / "first.json", folder / "second.json"}};
+  }
   std::string write(const std::string& text) { return folder.write("ostrel/preferences.json", text); }
   std::string stored() { return folder.read("ostrel/preferences.json"); }
   /// The content of the one file that was kept aside; empty when there is none or several.
@@ -55,7 +57,8 @@ TEST_F(JSONUserDefaultsTest, KeepsValuesOfEveryKindAcrossProcesses) {
 }
 
 TEST_F(JSONUserDefaultsTest, UnknownKeysAndTheirOrderSurviveAChange) {
-  write(R"({"zebra": {"y": 1, "a": [null, {"deep": 1.5}]}, "margins.top": 3, "ant": null, "big": 18446744073709551615})");
+  write(
+      R"({"zebra": {"y": 1, "a": [null, {"deep": 1.5}]}, "margins.top": 3, "ant": null, "big": 18446744073709551615})");
   open().setDouble(4, "margins.top");
   EXPECT_EQ(nlohmann::ordered_json::parse(stored()).dump(),
             R"({"zebra":{"y":1,"a":[null,{"deep":1.5}]},"margins.top":4.0,"ant":null,"big":18446744073709551615})");
@@ -92,8 +95,15 @@ TEST_F(JSONUserDefaultsTest, ADamagedFileIsNeverOverwritten) {
   std::string wide = "{\"a\": {";
   for (int i = 0; i < 100'000; ++i) wide += "\"" + std::to_string(i) + "\": 0, ";
   wide += "\"last\": 0}}";
-  const std::string cases[] = {R"({"a": 1,})", "", "[1]", "null", R"({"a": 1e999})", "{\"a\": \"\xFF\"}",
-                               R"({"a": )" + deep, "{\"a\": " + deep + std::string(deep.size(), ']') + "}", wide};
+  const std::string cases[] = {R"({"a": 1,})",
+                               "",
+                               "[1]",
+                               "null",
+                               R"({"a": 1e999})",
+                               "{\"a\": \"\xFF\"}",
+                               R"({"a": )" + deep,
+                               "{\"a\": " + deep + std::string(deep.size(), ']') + "}",
+                               wide};
   for (const std::string& damaged : cases) {
     SCOPED_TRACE(damaged.substr(0, 20));
     std::filesystem::remove_all(folder / "ostrel");
@@ -134,7 +144,8 @@ TEST_F(JSONUserDefaultsTest, AFullDiskLosesNothingThatWasStored) {
     defaults.setDouble(2, "a");
     setrlimit(RLIMIT_FSIZE, &limit);
     EXPECT_EQ(stored(), content);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "ostrel"), {}), 1);  // nothing left lying about
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "ostrel"), {}),
+              1);  // nothing left lying about
   }
 }
 

@@ -7,7 +7,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <QSocketNotifier>
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>

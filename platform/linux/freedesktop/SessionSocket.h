@@ -1,6 +1,7 @@
 // The socket by which later starts of the program reach the first one.
 #pragma once
 
+#include <QSocketNotifier>
 #include <chrono>
 #include <functional>
 #include <list>
@@ -10,8 +11,6 @@
 
 #include "platform/SingleInstance.h"
 #include "platform/linux/freedesktop/Files.h"
-
-class QSocketNotifier;
 
 namespace freedesktop {
 
