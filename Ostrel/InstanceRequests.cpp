@@ -1,12 +1,12 @@
 #include "Ostrel/InstanceRequests.h"
 
 #include <algorithm>
-#include <array>
+
+#include "Ostrel/Tab.h"
 
 namespace ostrel {
 namespace {
 
-constexpr std::array<std::string_view, 4> tabNames{"general", "displays", "exclude", "about"};
 constexpr std::string_view settingsWord = "settings";
 
 std::string tapState(const OstrelController& controller) {
@@ -37,7 +37,7 @@ std::string line(std::string_view title, std::string value) {
 
 }  // namespace
 
-bool isTabName(std::string_view name) { return std::find(tabNames.begin(), tabNames.end(), name) != tabNames.end(); }
+bool isTabName(std::string_view name) { return tabWithRawValue(name).has_value(); }
 
 std::string settingsRequest(std::string_view tab) {
   return std::string(settingsWord) + (tab.empty() ? "" : " ") + std::string(tab);

@@ -157,14 +157,9 @@ class TitleBarButtons::Worker {
   // Any thread.
 
   void post(Action task) {
-    {
-      const ns::LockGuard guard(lock_);
-      posted_.push_back(std::move(task));
-      if (posted_.size() > 1) return;
-    }
     GSource* source = g_idle_source_new();
     g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    attach(source, context_.get(), [this] { runPosted(); });
+    attach(source, context_.get(), std::move(task));
     g_source_unref(source);
   }
 
@@ -185,15 +180,6 @@ class TitleBarButtons::Worker {
     while (conversations_ > 0) g_main_context_iteration(context_.get(), TRUE);
     disconnect();
     g_main_context_pop_thread_default(context_.get());
-  }
-
-  void runPosted() {
-    std::vector<Action> tasks;
-    {
-      const ns::LockGuard guard(lock_);
-      tasks.swap(posted_);
-    }
-    for (const auto& task : tasks) task();
   }
 
   Source after(unsigned delay, Action task) {
@@ -322,7 +308,6 @@ class TitleBarButtons::Worker {
   mutable ns::Lock lock_;
   std::unordered_map<std::uint32_t, Known> known_ GUARDED_BY(lock_);
   std::uint64_t lastRevision_ GUARDED_BY(lock_) = 0;
-  std::vector<Action> posted_ GUARDED_BY(lock_);
 
   // The lookup thread's own.
   std::map<std::uint32_t, std::shared_ptr<Job>> jobs_;
