@@ -51,19 +51,26 @@ class ReadyPipe {
   int ends_[2] = {-1, -1};
 };
 
+void replace(std::string& text, const std::string& part, const std::string& by) {
+  const auto place = text.find(part);
+  if (place == std::string::npos) throw std::runtime_error("openbox's default configuration is another one");
+  text.replace(place, part.size(), by);
+}
+
 /// Openbox ignores a modified click on a button unless it is told what to do; people tell it, so that "native" can be
-/// seen here too.
-void bindModifiedClicks(const std::filesystem::path& configuration) {
+/// seen here too. (Alt moves windows, as everywhere.) A window that flies to its icon has no place of its own
+/// meanwhile.
+void configureOpenbox(const std::filesystem::path& configuration) {
   std::string text = readFile("/etc/xdg/openbox/rc.xml");
   const std::string context = "<context name=\"Iconify\">";
-  const auto place = text.find(context);
-  if (place == std::string::npos) throw std::runtime_error("openbox's default configuration is another one");
-  std::string bindings;
-  for (const char* modifier : {"S", "C", "A", "W"}) {
+  std::string bindings = context;
+  for (const char* modifier : {"S", "C", "W"}) {
     bindings += std::string("<mousebind button=\"") + modifier +
                 "-Left\" action=\"Click\"><action name=\"Iconify\"/></mousebind>\n";
   }
-  writeFile(configuration, text.insert(place + context.size(), bindings));
+  replace(text, context, bindings);
+  replace(text, "<animateIconify>yes", "<animateIconify>no");
+  writeFile(configuration, text);
 }
 
 }  // namespace
@@ -90,7 +97,7 @@ DesktopSession::DesktopSession(WindowManager windowManager, int width, int heigh
                   {"LC_ALL", "C.UTF-8"},
                   {"GSETTINGS_BACKEND", "memory"},
                   {"GIO_USE_VFS", "local"}};
-  bindModifiedClicks(home_ / "config/openbox/rc.xml");
+  configureOpenbox(home_ / "config/openbox/rc.xml");
   startServer(width, height);
   startBus();
   restartWindowManager();
@@ -168,15 +175,9 @@ Window DesktopSession::open(const Arguments& arguments, const Frame& frame) {
 
 void DesktopSession::place(Window window, const Frame& wanted) {
   // Toolkits settle their extents after the first map, so the request is repeated until it fits.
-  const auto placed = [&] {
-    const auto now = x_->frame(window);
-    // Applications with size increments come out a little smaller.
-    return now && now->x == wanted.x && now->y == wanted.y && std::abs(now->width - wanted.width) < 20 &&
-           std::abs(now->height - wanted.height) < 20;
-  };
   for (int attempt = 0; attempt < 10; ++attempt) {
     x_->moveResize(window, wanted);
-    if (x_->waitUntil(placed, std::chrono::seconds(1))) return;
+    if (x_->waitUntil([&] { return x_->fits(window, wanted); }, std::chrono::seconds(1))) return;
   }
   std::ostringstream message;
   message << "a window could not be placed at " << wanted << ", it is at " << x_->frame(window).value_or(Frame{});

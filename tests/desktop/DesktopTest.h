@@ -25,14 +25,25 @@ class DesktopTest : public testing::Test {
   }
 
   /// Waits for a frame; a window with size increments may stay smaller by less than one.
-  testing::AssertionResult reaches(Window window, const Frame& wanted, int increment = 1) {
-    const auto isThere = [&] {
-      const Frame now = x.frame(window).value_or(Frame{});
-      const auto fits = [&](int size, int limit) { return size <= limit && size > limit - increment; };
-      return now.x == wanted.x && now.y == wanted.y && fits(now.width, wanted.width) && fits(now.height, wanted.height);
-    };
-    if (x.waitUntil(isThere)) return testing::AssertionSuccess();
+  testing::AssertionResult reaches(Window window, const Frame& wanted) {
+    if (x.waitUntil([&] { return x.fits(window, wanted); })) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "it is at " << x.frame(window).value_or(Frame{}) << ", not at " << wanted;
+  }
+
+  /// Holds the first button at `grip` and moves it until the window follows, then by this much in all.
+  void dragWindow(Window window, Point grip, Point distance) {
+    const Frame start = x.frame(window).value_or(Frame{});
+    x.movePointer(grip);
+    x.button(1, true);
+    int step = 0;
+    EXPECT_TRUE(happens([&] {
+      x.movePointer({grip.x + 20 + step++ % 2, grip.y});
+      return x.frame(window) != start;
+    }));
+    x.movePointer({grip.x + distance.x, grip.y + distance.y});
+    EXPECT_TRUE(reaches(window, {start.x + distance.x, start.y + distance.y, start.width, start.height}));
+    x.button(1, false);
+    EXPECT_TRUE(happens([&] { return x.isPointerFree(); })) << "the window manager lets go";
   }
 
   /// A window like this one in the middle of a display that is `width` wide and begins at `left`.
@@ -69,6 +80,7 @@ class EachWindowManager : public DesktopTest, public testing::WithParamInterface
   explicit EachWindowManager(int width = 1440) : DesktopTest(GetParam(), width) {}
 };
 
+inline void PrintTo(WindowManager windowManager, std::ostream* stream) { *stream << name(windowManager); }
 inline std::string parameterName(const testing::TestParamInfo<WindowManager>& info) { return name(info.param); }
 inline auto windowManagers() { return testing::Values(WindowManager::Openbox, WindowManager::Xfwm4); }
 

@@ -109,6 +109,21 @@ std::optional<Frame> XClient::frame(Window window) {
   return result;
 }
 
+bool XClient::fits(Window window, const Frame& wanted) {
+  const auto now = frame(window);
+  if (!now || now->x != wanted.x || now->y != wanted.y) return false;
+  const auto hints = property(window, "WM_NORMAL_HINTS");
+  constexpr std::size_t horizontal = 9;
+  constexpr std::size_t vertical = 10;
+  constexpr std::uint32_t hasIncrements = 1U << 6U;
+  const bool incremental = hints.size() > vertical && (hints[0] & hasIncrements) != 0;
+  const auto near = [&](int size, int limit, std::size_t which) {
+    const int increment = incremental ? std::max(1, static_cast<int>(hints[which])) : 1;
+    return size <= limit && size > limit - increment;
+  };
+  return near(now->width, wanted.width, horizontal) && near(now->height, wanted.height, vertical);
+}
+
 bool XClient::isIconic(Window window) {
   const auto state = property(window, "WM_STATE");
   return !state.empty() && state[0] == 3;

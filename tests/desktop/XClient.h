@@ -58,6 +58,8 @@ class XClient {
   /// The window's own rectangle in root coordinates.
   std::optional<Frame> rectangle(Window window);
   std::optional<Frame> frame(Window window);
+  /// Whether the window has this frame, as far as its size increments allow: it may be smaller by less than one.
+  bool fits(Window window, const Frame& wanted);
   /// Whether the application, not the window manager, draws the title bar.
   bool drawsOwnTitleBar(Window window);
   bool isIconic(Window window);
@@ -76,7 +78,7 @@ class XClient {
   void key(Key key, bool down);
   void type(char letter);
   void click(Point point, int number = 1);
-  /// Presses at the first point and releases at the last.
+  /// Presses at the first point and releases at the last, all at once.
   void drag(const std::vector<Point>& path);
   /// Whether a lock key is on.
   bool isOn(Key lock);
