@@ -1,0 +1,273 @@
+#include "platform/linux/x11/EventTap.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <utility>
+
+#include "platform/Lock.h"
+#include "platform/RunLoop.h"
+#include "platform/linux/x11/ButtonGrab.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Watchdog.h"
+
+namespace x11 {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr auto answerTime = milliseconds(50);
+constexpr auto firstRetry = milliseconds(10);
+constexpr auto lastRetry = milliseconds(500);
+constexpr unsigned anyButton =
+    XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 | XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
+
+CGEventFlags flagsOf(unsigned state) {
+  CGEventFlags flags = 0;
+  if ((state & XCB_MOD_MASK_LOCK) != 0) flags |= kCGEventFlagMaskAlphaShift;
+  if ((state & XCB_MOD_MASK_SHIFT) != 0) flags |= kCGEventFlagMaskShift;
+  if ((state & XCB_MOD_MASK_CONTROL) != 0) flags |= kCGEventFlagMaskControl;
+  if ((state & XCB_MOD_MASK_1) != 0) flags |= kCGEventFlagMaskAlternate;
+  if ((state & XCB_MOD_MASK_4) != 0) flags |= kCGEventFlagMaskCommand;
+  return flags;
+}
+
+class WakeDescriptor {
+ public:
+  WakeDescriptor() : descriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+  ~WakeDescriptor() { close(descriptor_); }
+  WakeDescriptor(const WakeDescriptor&) = delete;
+  WakeDescriptor& operator=(const WakeDescriptor&) = delete;
+
+  int get() const { return descriptor_; }
+  void signal() const { eventfd_write(descriptor_, 1); }
+  void clear() const {
+    eventfd_t ignored = 0;
+    eventfd_read(descriptor_, &ignored);
+  }
+
+ private:
+  const int descriptor_;
+};
+
+}  // namespace
+
+/// What the tap, its thread and the tasks queued for the main thread share; lives until the last of them is done.
+class EventTap::Worker : public std::enable_shared_from_this<Worker> {
+ public:
+  Worker(desktop::EventTapHandler handler, HitFilter filter, std::string displayName)
+      : handler_(std::move(handler)), filter_(std::move(filter)), displayName_(std::move(displayName)) {}
+
+  // --- Main thread ---
+
+  void setEnabled(bool enabled) { enabled_ = enabled; }
+  bool isEnabled() const { return enabled_ && attached_; }
+  void stop() {
+    closed_ = true;
+    stopping_ = true;
+    wake_.signal();
+  }
+
+  // --- The tap's thread; attach() also before it runs ---
+
+  /// Connects and grabs; false when either is refused.
+  bool attach() {
+    std::shared_ptr<Connection> connection = Connection::open(displayName_);
+    if (!connection) return false;
+    grab_ = ButtonGrab::acquire(*connection);
+    if (!grab_) return false;
+    connection_ = std::move(connection);
+    attached_ = true;
+    if (auto* watchdog = Watchdog::shared()) {
+      const xcb_window_t window = xcb_generate_id(connection_->get());
+      xcb_create_window(connection_->get(), 0, window, connection_->root(), -1, -1, 1, 1, 0,
+                        XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+      connection_->synchronise();
+      watchdog->watch(window);
+    }
+    return true;
+  }
+
+  void run() {
+    auto retry = firstRetry;
+    while (!stopping_) {
+      if (!connection_ && !attach()) {
+        wait(std::exchange(retry, std::min(retry * 2, lastRetry)));
+        continue;
+      }
+      retry = firstRetry;
+      while (const auto event = connection_->pollEvent()) take(*event);
+      if (connection_->isBroken()) {
+        lose();
+      } else {
+        wait(expire());
+      }
+    }
+    if (connection_) detach();
+  }
+
+ private:
+  /// The press that the pointer is frozen for.
+  struct Pending {
+    std::uint64_t number;
+    xcb_timestamp_t time;
+    Clock::time_point deadline;
+    std::shared_ptr<Connection> connection;
+  };
+
+  void take(const xcb_generic_event_t& event) {
+    const auto type = event.response_type & 0x7f;
+    if (type == XCB_BUTTON_PRESS) press(reinterpret_cast<const xcb_button_press_event_t&>(event));
+    if (type == XCB_MAPPING_NOTIFY &&
+        reinterpret_cast<const xcb_mapping_notify_event_t&>(event).request != XCB_MAPPING_POINTER) {
+      grab_->update();
+    }
+  }
+
+  void press(const xcb_button_press_event_t& event) {
+    // With a button down already it belongs to a swallowed click: our grab still runs and nothing is frozen.
+    if ((event.state & anyButton) != 0) return;
+    const CGPoint position{static_cast<CGFloat>(event.root_x), static_cast<CGFloat>(event.root_y)};
+    if (!enabled_ || !filter_(event.child, position)) return replay(*connection_, event.time);
+    if (isThrownOut()) return;  // an old press, read after a long stop: it is too late to act on it
+    const auto number = ++presses_;
+    {
+      const ns::LockGuard guard(lock_);
+      pending_ = Pending{number, event.time, Clock::now() + answerTime, connection_};
+    }
+    const desktop::MouseDown mouseDown{kCGEventLeftMouseDown, flagsOf(event.state), position};
+    ns::dispatchAsyncOnMainQueue([self = shared_from_this(), number, mouseDown] { self->decide(number, mouseDown); });
+  }
+
+  /// Whether the server has closed the connection, even if events that it sent before are still to be read.
+  bool isThrownOut() const {
+    pollfd source{connection_->fileDescriptor(), POLLRDHUP, 0};
+    return poll(&source, 1, 0) != 0;
+  }
+
+  /// Main thread. Answers the server from here: one change of threads less for the person who waits.
+  void decide(std::uint64_t number, const desktop::MouseDown& mouseDown) {
+    if (!isPending(number)) return;  // passed on already; to act on it too would be worse than not to act
+    const bool pass = closed_ || !enabled_ || handler_(mouseDown);
+    const auto press = takePending(number);
+    if (!press) return;
+    if (pass) {
+      replay(*press->connection, press->time);
+    } else {
+      swallow(*press->connection, press->time);
+    }
+    wake_.signal();  // sending may also have read events, which poll() then does not report
+  }
+
+  bool isPending(std::uint64_t number) {
+    const ns::LockGuard guard(lock_);
+    return pending_ && pending_->number == number;
+  }
+
+  std::optional<Pending> takePending(std::uint64_t number) {
+    const ns::LockGuard guard(lock_);
+    return pending_ && pending_->number == number ? std::exchange(pending_, {}) : std::nullopt;
+  }
+
+  /// Gives up on a press whose time is over. Returns how long to wait for the next one, none without end.
+  std::optional<milliseconds> expire() {
+    {
+      const ns::LockGuard guard(lock_);
+      if (!pending_) return std::nullopt;
+      const auto left = std::chrono::ceil<milliseconds>(pending_->deadline - Clock::now());
+      if (left > milliseconds(0)) return left;
+      enabled_ = false;
+      replay(*pending_->connection, pending_->time);
+      pending_.reset();
+    }
+    notifyDisabled();
+    return milliseconds(0);  // sending may have read events: look for them before sleeping
+  }
+
+  void lose() {
+    {
+      const ns::LockGuard guard(lock_);
+      pending_.reset();
+    }
+    attached_ = false;
+    grab_.reset();
+    connection_.reset();
+    enabled_ = false;
+    notifyDisabled();
+  }
+
+  void notifyDisabled() {
+    ns::dispatchAsyncOnMainQueue([self = shared_from_this()] {
+      if (!self->closed_) self->handler_({kCGEventTapDisabledByTimeout, 0, {}});
+    });
+  }
+
+  void detach() {
+    {
+      const ns::LockGuard guard(lock_);
+      if (pending_) replay(*connection_, pending_->time);
+      pending_.reset();
+    }
+    if (auto* watchdog = Watchdog::shared()) watchdog->watch(XCB_WINDOW_NONE);
+    grab_.reset();
+    connection_.reset();
+    attached_ = false;
+  }
+
+  void wait(std::optional<milliseconds> timeout) {
+    auto* watchdog = Watchdog::shared();
+    pollfd sources[] = {{connection_ ? connection_->fileDescriptor() : -1, POLLIN, 0},
+                        {wake_.get(), POLLIN, 0},
+                        {watchdog != nullptr ? watchdog->fileDescriptor() : -1, POLLIN, 0}};
+    if (poll(sources, std::size(sources), timeout ? static_cast<int>(timeout->count()) : -1) <= 0) return;
+    if (sources[1].revents != 0) wake_.clear();
+    if (sources[2].revents != 0) {
+      const ns::LockGuard guard(lock_);
+      watchdog->answer(pending_.has_value());
+    }
+  }
+
+  const desktop::EventTapHandler handler_;
+  const HitFilter filter_;
+  const std::string displayName_;
+  const WakeDescriptor wake_;
+  std::atomic<bool> enabled_ = false;
+  std::atomic<bool> attached_ = false;
+  std::atomic<bool> stopping_ = false;
+  bool closed_ = false;  // main thread only
+
+  // The tap's thread only.
+  std::shared_ptr<Connection> connection_;
+  std::unique_ptr<ButtonGrab> grab_;
+  std::uint64_t presses_ = 0;
+
+  ns::Lock lock_;
+  std::optional<Pending> pending_ GUARDED_BY(lock_);
+};
+
+std::unique_ptr<EventTap> EventTap::create(CGEventMask mask, desktop::EventTapHandler handler, HitFilter filter,
+                                           const std::string& displayName) {
+  if ((mask & CGEventMaskBit(kCGEventLeftMouseDown)) == 0) return nullptr;
+  auto worker = std::make_shared<Worker>(std::move(handler), std::move(filter), displayName);
+  if (!worker->attach()) return nullptr;
+  return std::unique_ptr<EventTap>(new EventTap(std::move(worker)));
+}
+
+EventTap::EventTap(std::shared_ptr<Worker> worker)
+    : worker_(std::move(worker)), thread_([running = worker_] { running->run(); }) {}
+
+EventTap::~EventTap() {
+  worker_->stop();
+  thread_.join();
+}
+
+void EventTap::setEnabled(bool enabled) { worker_->setEnabled(enabled); }
+bool EventTap::isEnabled() const { return worker_->isEnabled(); }
+
+}  // namespace x11
