@@ -1,13 +1,16 @@
-// The application object, on Qt's.
 #include "platform/Application.h"
 
 #include <signal.h>
 #include <sys/eventfd.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QSocketNotifier>
-#include <QTimer>
+#include <QWidget>
 #include <utility>
+
+#include "platform/linux/qt/AccessibleView.h"
+#include "platform/linux/qt/Appearance.h"
+#include "platform/linux/qt/TaskBar.h"
 
 namespace ns {
 namespace {
@@ -15,23 +18,53 @@ namespace {
 /// Written to by the handler of the signals that end a program.
 const int signalled = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 
+/// What has to be settled before the toolkit starts. A program that mostly sits in the tray loads neither OpenGL nor a
+/// desktop's theme plug-ins, which would bring a second toolkit into the process.
+void prepareToolkit() {
+  qputenv("QT_XCB_GL_INTEGRATION", "none");
+  QGuiApplication::setDesktopSettingsAware(false);
+  QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+}
+
 class QtApplication final : public Application {
  public:
-  QtApplication() : application_(argumentCount_, arguments_) {}
+  QtApplication() {
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setStyle(QStringLiteral("fusion"));
+    qt::installAccessibleViews();
+    qt::startAppearance();
+  }
 
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override { delegate_ = std::move(delegate); }
-  void setActivationPolicy(ActivationPolicy policy) override { policy_ = policy; }
+
+  void setActivationPolicy(ActivationPolicy policy) override {
+    if (std::exchange(policy_, policy) == policy) return;
+    for (auto* window : QApplication::topLevelWidgets()) {
+      if (window->isVisible() && window->windowType() == Qt::Window) qt::applyTaskBarPolicy(*window);
+    }
+  }
   ActivationPolicy activationPolicy() const override { return policy_; }
-  void activateIgnoringOtherApps() override {}
+
+  void activateIgnoringOtherApps() override {
+    for (auto* window : QApplication::topLevelWidgets()) {
+      if (!window->isVisible() || window->windowType() != Qt::Window) continue;
+      window->raise();
+      window->activateWindow();
+    }
+  }
 
   void run() override {
-    QTimer::singleShot(0, &application_, [this] {
-      if (const auto delegate = delegate_.lock()) delegate->applicationDidFinishLaunching();
-    });
     terminateOnSignals();
-    QCoreApplication::exec();
+    QMetaObject::invokeMethod(
+        &application_,
+        [this] {
+          if (const auto delegate = delegate_.lock()) delegate->applicationDidFinishLaunching();
+        },
+        Qt::QueuedConnection);
+    QApplication::exec();
     if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate();
   }
+
   void terminate() override { QCoreApplication::quit(); }
 
  private:
@@ -48,7 +81,7 @@ class QtApplication final : public Application {
   int argumentCount_ = 1;
   char name_[7] = "ostrel";
   char* arguments_[2] = {name_, nullptr};
-  QCoreApplication application_;
+  QApplication application_{argumentCount_, arguments_};
   std::weak_ptr<ApplicationDelegate> delegate_;
   ActivationPolicy policy_ = ActivationPolicy::Regular;
 };
@@ -56,8 +89,12 @@ class QtApplication final : public Application {
 }  // namespace
 
 std::shared_ptr<Application> Application::sharedApplication() {
-  static const std::shared_ptr<Application> application = std::make_shared<QtApplication>();
-  return application;
+  // Never destroyed: widgets that others still hold must not outlive the toolkit.
+  static auto* const shared = [] {
+    prepareToolkit();
+    return new std::shared_ptr<Application>(std::make_shared<QtApplication>());
+  }();
+  return *shared;
 }
 
 }  // namespace ns

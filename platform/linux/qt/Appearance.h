@@ -1,0 +1,36 @@
+// Colours and fonts of the interface, light or dark as the desktop is.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+
+#include "platform/Color.h"
+#include "platform/Font.h"
+
+namespace qt {
+
+/// Parts of controls that have no named colour of their own.
+enum class ControlColor {
+  Face,
+  PressedFace,
+  Edge,
+  Field,
+  Track,
+  Knob,
+  Glyph,
+  FocusRing,
+  Scroller,
+  Menu,
+};
+
+/// Starts following the desktop; every widget is repainted when it changes between light and dark. Called once, with
+/// the application object. Main thread only, as everything here.
+void startAppearance();
+bool isDark();
+/// As it is now: ask again at each painting.
+QColor color(ns::Color color);
+QColor color(ControlColor part);
+/// A size of one point is one pixel at 1x.
+QFont font(const ns::Font& font);
+
+}  // namespace qt

@@ -1,0 +1,56 @@
+#include "platform/linux/qt/TaskBar.h"
+
+#include <xcb/xcb.h>
+
+#include <QGuiApplication>
+#include <QWidget>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "platform/Application.h"
+
+namespace qt {
+namespace {
+
+xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
+  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+  const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
+      xcb_intern_atom_reply(connection, cookie, nullptr), std::free);
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+}  // namespace
+
+void applyTaskBarPolicy(QWidget& window) {
+  const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (!x11) return;
+  xcb_connection_t* const connection = x11->connection();
+  const bool isAccessory = ns::Application::sharedApplication()->activationPolicy() == ns::ActivationPolicy::Accessory;
+  const auto id = static_cast<xcb_window_t>(window.winId());
+  const xcb_atom_t state = atom(connection, "_NET_WM_STATE");
+  const std::array hints{atom(connection, "_NET_WM_STATE_SKIP_TASKBAR"), atom(connection, "_NET_WM_STATE_SKIP_PAGER")};
+  if (window.isVisible()) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = id;
+    message.type = state;
+    message.data.data32[0] = isAccessory ? 1 : 0;
+    message.data.data32[1] = hints[0];
+    message.data.data32[2] = hints[1];
+    message.data.data32[3] = 1;
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    xcb_send_event(connection, 0, root, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message));
+  } else {
+    // The toolkit adds its own states to these when it shows the window.
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, state, XCB_ATOM_ATOM, 32,
+                        isAccessory ? static_cast<std::uint32_t>(hints.size()) : 0, hints.data());
+  }
+  xcb_flush(connection);
+}
+
+}  // namespace qt

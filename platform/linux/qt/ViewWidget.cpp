@@ -1,0 +1,107 @@
+#include "platform/linux/qt/ViewWidget.h"
+
+#include <QHoverEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include "platform/linux/qt/LayerPainter.h"
+
+namespace qt {
+
+ViewWidget::ViewWidget(ns::View::Native& native) : native_(&native) { setAttribute(Qt::WA_NoMousePropagation, false); }
+
+void ViewWidget::release() {
+  native_ = nullptr;
+  hide();
+  setParent(nullptr);
+  deleteLater();
+}
+
+QRectF ViewWidget::contentBounds() const {
+  const int outset = native_ ? native_->outset : 0;
+  return QRectF(rect()).adjusted(outset, outset, -outset, -outset);
+}
+
+QPointF ViewWidget::local(QPointF point) const { return point - contentBounds().topLeft(); }
+
+void ViewWidget::updateCursor(QPointF point) {
+  for (const auto& [area, cursor] : native_->cursorRects) {
+    if (!QRectF(area.origin.x, area.origin.y, area.size.width, area.size.height).contains(point)) continue;
+    setCursor(cursor == ns::Cursor::PointingHand ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    return;
+  }
+  unsetCursor();
+}
+
+bool ViewWidget::event(QEvent* event) {
+  if (!native_) return QWidget::event(event);
+  switch (event->type()) {
+    case QEvent::LayoutRequest:
+      layOut(*native_);
+      return true;
+    case QEvent::PaletteChange:
+      native_->appearanceChanged();
+      break;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+      update();
+      break;
+    case QEvent::HoverEnter:
+    case QEvent::HoverMove:
+      if (!native_->cursorRects.empty()) updateCursor(local(static_cast<QHoverEvent*>(event)->position()));
+      break;
+    default:
+      break;
+  }
+  return QWidget::event(event);
+}
+
+void ViewWidget::paintEvent(QPaintEvent*) {
+  if (!native_) return;
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  clipToAncestors(painter, *this);
+  const QRectF content = contentBounds();
+  painter.translate(content.topLeft());
+  const QRectF bounds(QPointF(), content.size());
+  paintLayer(painter, native_->layer, bounds);
+  native_->paint(painter, bounds);
+  if (hasFocus()) paintFocusRing(painter, bounds, native_->focusRadius());
+}
+
+void ViewWidget::mousePressEvent(QMouseEvent* event) {
+  event->ignore();
+  if (!native_ || event->button() != Qt::LeftButton || !contentBounds().contains(event->position())) return;
+  const auto keep = native_->keepAlive();
+  if (native_->mousePressed(local(event->position()))) event->accept();
+}
+
+void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
+  if (native_) native_->mouseMoved(local(event->position()));
+}
+
+void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (!native_ || event->button() != Qt::LeftButton) return;
+  const auto keep = native_->keepAlive();
+  native_->mouseReleased(local(event->position()));
+}
+
+void ViewWidget::wheelEvent(QWheelEvent* event) {
+  // A wheel click is 120 units and moves by three lines of 16 points; touch pads tell pixels.
+  const double pixels = event->pixelDelta().isNull() ? event->angleDelta().y() * 48.0 / 120 : event->pixelDelta().y();
+  if (!native_ || !native_->scrolled(pixels)) event->ignore();
+}
+
+void ViewWidget::keyPressEvent(QKeyEvent* event) {
+  const auto keep = native_ ? native_->keepAlive() : nullptr;
+  if (!native_ || !native_->keyPressed(*event)) QWidget::keyPressEvent(event);
+}
+
+void ViewWidget::keyReleaseEvent(QKeyEvent* event) {
+  const auto keep = native_ ? native_->keepAlive() : nullptr;
+  if (native_) native_->keyReleased(*event);
+}
+
+}  // namespace qt

@@ -1,0 +1,153 @@
+#include "platform/Window.h"
+
+#include <QCloseEvent>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <cmath>
+
+#include "platform/linux/qt/Appearance.h"
+#include "platform/linux/qt/FocusOrder.h"
+#include "platform/linux/qt/TaskBar.h"
+#include "platform/linux/qt/ViewNative.h"
+#include "platform/linux/qt/ViewWidget.h"
+
+namespace qt {
+namespace {
+
+Qt::WindowFlags flagsOf(ns::WindowStyleMask mask) {
+  Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint;
+  if (mask & ns::WindowStyleMaskTitled) flags |= Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
+  if (mask & ns::WindowStyleMaskClosable) flags |= Qt::WindowCloseButtonHint;
+  if (mask & ns::WindowStyleMaskMiniaturizable) flags |= Qt::WindowMinimizeButtonHint;
+  if (mask & ns::WindowStyleMaskResizable) flags |= Qt::WindowMaximizeButtonHint;
+  return flags;
+}
+
+QSize rounded(CGSize size) { return {qRound(size.width), qRound(size.height)}; }
+
+/// The title bar that a minimum size is reckoned with while the window manager has not put up its own.
+constexpr int assumedTitleBar = 28;
+
+class WindowWidget final : public QWidget {
+ public:
+  explicit WindowWidget(Qt::WindowFlags flags) : QWidget(nullptr, flags) {
+    // The window itself first: no control shows a focus ring before the person uses the keyboard.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
+  }
+
+  void adopt(std::shared_ptr<ns::View> view) {
+    if (content) content->native().widget->setParent(nullptr);
+    content = std::move(view);
+    if (!content) return;
+    content->native().widget->setParent(this);
+    content->native().widget->show();
+    layOutContent();
+  }
+
+  void updateMinimum() {
+    QSize least = contentMinimum;
+    const QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+    const int titleBar = frame.isNull() ? assumedTitleBar : frame.top() + frame.bottom();
+    least = least.expandedTo(windowMinimum - QSize(frame.left() + frame.right(), titleBar));
+    if (minimumSize() != least) setMinimumSize(least);
+  }
+
+  std::shared_ptr<ns::View> content;
+  std::weak_ptr<ns::WindowDelegate> delegate;
+  QSize contentMinimum;
+  QSize windowMinimum;
+
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() == QEvent::WindowActivate) {
+      if (const auto strong = delegate.lock()) strong->windowDidBecomeKey();
+    }
+    return QWidget::event(event);
+  }
+  void resizeEvent(QResizeEvent*) override { layOutContent(); }
+  void showEvent(QShowEvent*) override { layOutContent(); }
+  void moveEvent(QMoveEvent*) override { updateMinimum(); }
+  void closeEvent(QCloseEvent*) override {
+    if (const auto strong = delegate.lock()) strong->windowWillClose();
+  }
+  void keyPressEvent(QKeyEvent* event) override {
+    const bool isCommandW = event->key() == Qt::Key_W && event->modifiers() == Qt::ControlModifier;
+    if (event->key() == Qt::Key_Escape || isCommandW) {
+      close();
+    } else {
+      QWidget::keyPressEvent(event);
+    }
+  }
+  bool focusNextPrevChild(bool next) override { return content && moveFocus(content->native(), next); }
+
+ private:
+  void layOutContent() {
+    if (!content) return;
+    auto& native = content->native();
+    if (std::exchange(native.rootSize, QSizeF(size())) != QSizeF(size())) native.needsLayout = true;
+    layOut(native);
+  }
+};
+
+}  // namespace
+}  // namespace qt
+
+namespace ns {
+
+struct Window::Native {
+  explicit Native(WindowStyleMask mask) : widget(qt::flagsOf(mask)) {}
+
+  qt::WindowWidget widget;
+};
+
+Window::Window(CGRect contentRect, WindowStyleMask styleMask) : native_(std::make_unique<Native>(styleMask)) {
+  setContentSize(contentRect.size);
+}
+
+Window::~Window() { setContentView(nullptr); }
+
+void Window::setTitle(const std::string& title) { native_->widget.setWindowTitle(QString::fromStdString(title)); }
+
+void Window::setDelegate(std::weak_ptr<WindowDelegate> delegate) { native_->widget.delegate = std::move(delegate); }
+
+void Window::setContentView(const std::shared_ptr<View>& view) { native_->widget.adopt(view); }
+
+std::shared_ptr<View> Window::contentView() const { return native_->widget.content; }
+
+void Window::setContentSize(CGSize size) { native_->widget.resize(qt::rounded(size)); }
+
+void Window::setContentMinSize(CGSize size) {
+  native_->widget.contentMinimum = qt::rounded(size);
+  native_->widget.updateMinimum();
+}
+
+void Window::setMinSize(CGSize size) {
+  native_->widget.windowMinimum = qt::rounded(size);
+  native_->widget.updateMinimum();
+}
+
+void Window::center() {
+  auto& widget = native_->widget;
+  const QRect screen = widget.screen()->availableGeometry();
+  const QSize size = widget.isVisible() ? widget.frameGeometry().size() : widget.size();
+  widget.move(screen.center() - QPoint(size.width() / 2, size.height() / 2));
+}
+
+void Window::makeKeyAndOrderFront() {
+  auto& widget = native_->widget;
+  qt::applyTaskBarPolicy(widget);
+  if (widget.isMinimized()) widget.showNormal();
+  widget.show();
+  widget.raise();
+  widget.activateWindow();
+}
+
+void Window::close() { native_->widget.close(); }
+
+bool Window::isVisible() const { return native_->widget.isVisible(); }
+
+}  // namespace ns
