@@ -58,8 +58,8 @@ TEST_P(Buttons, ZoomRestoresAMaximisedWindowFirst) {
 }
 
 TEST_P(Buttons, CloseHidesTheWholeApplicationWhenAsked) {
-  writeFile(desktop.home() / "one", "one\n");
-  writeFile(desktop.home() / "two", "two\n");
+  desktop.home().write("one", "one\n");
+  desktop.home().write("two", "two\n");
   desktop.writePreferences(R"({"behavior.redButtonHidesWindow": true})");
   const Window first = desktop.open(
       {"mousepad", "--disable-server", "--opening-mode=window", desktop.home() / "one", desktop.home() / "two"});
@@ -87,18 +87,18 @@ TEST_P(Buttons, ModifiersGiveTheNativeBehaviourAndLocksDoNot) {
   for (const Key modifier : {Key::Shift, Key::Control, Key::Super}) {
     SCOPED_TRACE(static_cast<unsigned>(modifier));
     const Point place = desktop.button(window, Button::Minimise);
-    x.key(modifier, true);
+    x.hold(modifier);
     x.click(place);
-    x.key(modifier, false);
+    x.letGo(modifier);
     expectNativeMinimise(window, before);
   }
-  x.key(Key::Alt, true);  // moves windows, wherever it grips them
+  x.hold(Key::Alt);  // moves windows, wherever it grips them
   dragWindow(window, desktop.button(window, Button::Minimise), {90, 60});
-  x.key(Key::Alt, false);
+  x.letGo(Key::Alt);
 
   const auto toggle = [&](Key lock, bool on) {
-    x.key(lock, true);
-    x.key(lock, false);
+    x.hold(lock);
+    x.letGo(lock);
     EXPECT_TRUE(happens([&] { return x.isOn(lock) == on; }));
   };
   const auto expectCentred = [&] {

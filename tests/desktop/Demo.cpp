@@ -39,10 +39,10 @@ class Demo {
     });
     step("close", "Close (red) of galculator, which is set to hide the application", Button::Close, calculator_,
          [&] { return x_.isIconic(calculator_); });
-    x_.key(Key::Shift, true);
+    x_.hold(Key::Shift);
     step("native", "Minimise of mousepad with Shift held: native, it is iconified", Button::Minimise, editor_,
          [&] { return x_.isIconic(editor_); });
-    x_.key(Key::Shift, false);
+    x_.letGo(Key::Shift);
     std::cout << "\nPictures of each step are in " << folder_.string() << "\n";
   }
 

@@ -1,55 +1,18 @@
 #include "tests/desktop/DesktopSession.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <set>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
-#include <system_error>
 
 namespace desktoptest {
 
 namespace {
 
 constexpr auto startBound = std::chrono::seconds(30);
-
-/// The pipe through which a server tells its address once it is ready.
-class ReadyPipe {
- public:
-  ReadyPipe() {
-    if (pipe(ends_) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
-    fcntl(ends_[0], F_SETFD, FD_CLOEXEC);
-  }
-  ~ReadyPipe() {
-    close(ends_[0]);
-    if (ends_[1] >= 0) close(ends_[1]);
-  }
-  ReadyPipe(const ReadyPipe&) = delete;
-  ReadyPipe& operator=(const ReadyPipe&) = delete;
-
-  int writeEnd() const { return ends_[1]; }
-
-  std::string readLine() {
-    close(ends_[1]);
-    ends_[1] = -1;
-    std::string line;
-    pollfd readable{ends_[0], POLLIN, 0};
-    char next = 0;
-    while (poll(&readable, 1, static_cast<int>(std::chrono::milliseconds(startBound).count())) == 1 &&
-           read(ends_[0], &next, 1) == 1 && next != '\n') {
-      line += next;
-    }
-    if (line.empty()) throw std::runtime_error("a server did not start");
-    return line;
-  }
-
- private:
-  int ends_[2] = {-1, -1};
-};
 
 void replace(std::string& text, const std::string& part, const std::string& by) {
   const auto place = text.find(part);
@@ -60,8 +23,9 @@ void replace(std::string& text, const std::string& part, const std::string& by) 
 /// Openbox ignores a modified click on a button unless it is told what to do; people tell it, so that "native" can be
 /// seen here too. (Alt moves windows, as everywhere.) A window that flies to its icon has no place of its own
 /// meanwhile.
-void configureOpenbox(const std::filesystem::path& configuration) {
-  std::string text = readFile("/etc/xdg/openbox/rc.xml");
+std::string openboxConfiguration() {
+  std::ifstream file("/etc/xdg/openbox/rc.xml");
+  std::string text{std::istreambuf_iterator<char>(file), {}};
   const std::string context = "<context name=\"Iconify\">";
   std::string bindings = context;
   for (const char* modifier : {"S", "C", "W"}) {
@@ -70,36 +34,31 @@ void configureOpenbox(const std::filesystem::path& configuration) {
   }
   replace(text, context, bindings);
   replace(text, "<animateIconify>yes", "<animateIconify>no");
-  writeFile(configuration, text);
+  return text;
 }
 
 }  // namespace
 
 std::string name(WindowManager windowManager) { return windowManager == WindowManager::Openbox ? "openbox" : "xfwm4"; }
 
-DesktopSession::DesktopSession(WindowManager windowManager, int width, int height) : windowManager_(windowManager) {
-  std::string pattern = std::filesystem::temp_directory_path() / "ostrel-desktop-XXXXXX";
-  if (mkdtemp(pattern.data()) == nullptr) throw std::system_error(errno, std::generic_category(), "mkdtemp");
-  home_ = pattern;
-  const auto folder = [&](const char* name) {
-    std::filesystem::create_directory(home_ / name);
-    std::filesystem::permissions(home_ / name, std::filesystem::perms::owner_all);
-    return (home_ / name).string();
-  };
-  environment_ = {{"HOME", home_},
-                  {"XDG_CONFIG_HOME", folder("config")},
-                  {"XDG_DATA_HOME", folder("data")},
-                  {"XDG_CACHE_HOME", folder("cache")},
-                  {"XDG_STATE_HOME", folder("state")},
-                  {"XDG_RUNTIME_DIR", folder("runtime")},
-                  {"XDG_SESSION_TYPE", "x11"},
-                  {"WAYLAND_DISPLAY", ""},
-                  {"LC_ALL", "C.UTF-8"},
-                  {"GSETTINGS_BACKEND", "memory"},
-                  {"GIO_USE_VFS", "local"}};
-  configureOpenbox(home_ / "config/openbox/rc.xml");
-  startServer(width, height);
-  startBus();
+DesktopSession::DesktopSession(WindowManager windowManager, int width, int height)
+    : windowManager_(windowManager),
+      server_(std::make_unique<support::XvfbSession>(std::to_string(width) + "x" + std::to_string(height) + "x24")),
+      x_(std::make_unique<XClient>()) {
+  environment_ = {"HOME=" + home_.path(), "XDG_SESSION_TYPE=x11",     "WAYLAND_DISPLAY=",
+                  "LC_ALL=C.UTF-8",       "GSETTINGS_BACKEND=memory", "GIO_USE_VFS=local"};
+  for (const std::string kind : {"CONFIG_HOME", "DATA_HOME", "CACHE_HOME", "STATE_HOME", "RUNTIME_DIR"}) {
+    const std::string folder = home_ / kind;
+    std::filesystem::create_directory(folder);
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+    environment_.push_back("XDG_" + kind + "=" + folder);
+  }
+  home_.write("CONFIG_HOME/openbox/rc.xml", openboxConfiguration());
+  bus_ = std::make_unique<support::ChildProcess>(
+      Arguments{"dbus-daemon", "--session", "--nofork", "--nosyslog", "--print-address=1"}, environment_);
+  const auto address = bus_->readLine(startBound);
+  if (!address) throw std::runtime_error("no session bus");
+  environment_.push_back("DBUS_SESSION_BUS_ADDRESS=" + *address);
   restartWindowManager();
 }
 
@@ -110,32 +69,18 @@ DesktopSession::~DesktopSession() {
   bus_.reset();
   x_.reset();
   server_.reset();
-  std::error_code ignored;
-  std::filesystem::remove_all(home_, ignored);
 }
 
-void DesktopSession::startServer(int width, int height) {
-  ReadyPipe ready;
-  const auto screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
-  server_ = std::make_unique<ChildProcess>(Arguments{"Xvfb", "-screen", "0", screen, "-nolisten", "tcp", "-noreset",
-                                                     "-displayfd", std::to_string(ready.writeEnd())},
-                                           environment_, log("xvfb"), ready.writeEnd());
-  environment_["DISPLAY"] = ":" + ready.readLine();
-  x_ = std::make_unique<XClient>(environment_["DISPLAY"]);
-}
-
-void DesktopSession::startBus() {
-  ReadyPipe ready;
-  bus_ = std::make_unique<ChildProcess>(Arguments{"dbus-daemon", "--session", "--nofork", "--nosyslog",
-                                                  "--print-address=" + std::to_string(ready.writeEnd())},
-                                        environment_, log("bus"), ready.writeEnd());
-  environment_["DBUS_SESSION_BUS_ADDRESS"] = ready.readLine();
+std::unique_ptr<support::ChildProcess> DesktopSession::start(const Arguments& arguments, const std::string& log) {
+  Arguments command{"sh", "-c", "exec \"$@\" </dev/null >\"$0\" 2>&1", home_ / log};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  return std::make_unique<support::ChildProcess>(command, environment_);
 }
 
 void DesktopSession::restartWindowManager() {
   const std::string program = name(windowManager_);
   const auto before = x_->property(x_->root(), "_NET_SUPPORTING_WM_CHECK");
-  auto next = std::make_unique<ChildProcess>(Arguments{program, "--replace"}, environment_, log(program));
+  auto next = start({program, "--replace"}, program + ".log");
   const bool ready = x_->waitUntil(
       [&] {
         const auto check = x_->property(x_->root(), "_NET_SUPPORTING_WM_CHECK");
@@ -148,8 +93,7 @@ void DesktopSession::restartWindowManager() {
 
 Window DesktopSession::open(const Arguments& arguments) {
   const auto before = x_->clients();
-  applications_.push_back(std::make_unique<ChildProcess>(arguments, environment_,
-                                                         log("application" + std::to_string(applications_.size()))));
+  applications_.push_back(start(arguments, "application" + std::to_string(applications_.size()) + ".log"));
   Window window = XCB_NONE;
   const bool opened = x_->waitUntil(
       [&] {
@@ -199,11 +143,15 @@ void DesktopSession::setMonitors(const std::vector<Monitor>& monitors) {
 }
 
 void DesktopSession::writePreferences(const std::string& object) {
-  writeFile(home_ / "config/ostrel/preferences.json", object);
+  home_.write("CONFIG_HOME/ostrel/next.json", object);
+  std::filesystem::rename(home_ / "CONFIG_HOME/ostrel/next.json", home_ / "CONFIG_HOME/ostrel/preferences.json");
 }
 
 CommandResult DesktopSession::command(const Arguments& arguments) {
-  return run(arguments, environment_, log("command"));
+  const auto process = start(arguments, "command.log");
+  const auto status = process->waitForExit(startBound);
+  if (!status) throw std::runtime_error(arguments[0] + " did not end");
+  return {*status, home_.read("command.log")};
 }
 
 CommandResult DesktopSession::ostrelCommand(const Arguments& arguments) {
@@ -215,13 +163,13 @@ CommandResult DesktopSession::ostrelCommand(const Arguments& arguments) {
 void DesktopSession::startOstrel() {
   const auto granted = ostrelCommand({"accessibility", "grant"});
   if (granted.status != 0) throw std::runtime_error("consent was refused: " + granted.output);
-  ostrel_ = std::make_unique<ChildProcess>(Arguments{OSTREL_PROGRAM}, environment_, log("ostrel"));
+  ostrel_ = start({OSTREL_PROGRAM}, "ostrel.log");
   if (!x_->waitUntil([&] { return x_->isButtonGrabbed(); }, startBound)) {
     throw std::runtime_error("Ostrel does not watch the mouse: " + ostrelLog());
   }
 }
 
-std::string DesktopSession::ostrelLog() const { return readFile(log("ostrel")); }
+std::string DesktopSession::ostrelLog() const { return home_.read("ostrel.log"); }
 
 std::vector<Window> DesktopSession::decoration(Window window) {
   std::vector<Window> buttons;  // minimise, zoom, close
@@ -269,7 +217,7 @@ Point DesktopSession::clientSideButton(Window window, Button button) {
     for (Point point; rows >> point.x >> point.y;) found.push_back(point);
     return found.size() == 3;
   });
-  if (found.size() != 3) throw std::runtime_error("no title-bar buttons: " + readFile(log("command")));
+  if (found.size() != 3) throw std::runtime_error("no title-bar buttons: " + home_.read("command.log"));
   return found[static_cast<std::size_t>(button)];
 }
 

@@ -2,14 +2,14 @@
 // folder that goes away with it.
 #pragma once
 
-#include <filesystem>
 #include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "tests/desktop/ChildProcess.h"
 #include "tests/desktop/XClient.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace desktoptest {
 
@@ -17,6 +17,13 @@ enum class WindowManager { Openbox, Xfwm4 };
 std::string name(WindowManager windowManager);
 
 enum class Button { Minimise, Zoom, Close };
+
+using Arguments = std::vector<std::string>;
+
+struct CommandResult {
+  int status = -1;
+  std::string output;
+};
 
 struct Monitor {
   std::string name;
@@ -32,7 +39,7 @@ class DesktopSession {
   DesktopSession& operator=(const DesktopSession&) = delete;
 
   XClient& x() { return *x_; }
-  const std::filesystem::path& home() const { return home_; }
+  const support::TemporaryFolder& home() const { return home_; }
 
   /// Starts the window manager, in place of one that runs.
   void restartWindowManager();
@@ -41,7 +48,7 @@ class DesktopSession {
   Window open(const Arguments& arguments);
   Window open(const Arguments& arguments, const Frame& frame);
   /// The process of the application that was opened last.
-  ChildProcess& application() { return *applications_.back(); }
+  support::ChildProcess& application() { return *applications_.back(); }
   /// Gives the window a frame and waits until it has that position.
   void place(Window window, const Frame& frame);
 
@@ -57,7 +64,7 @@ class DesktopSession {
   /// Gives consent, starts Ostrel and waits until it watches the mouse.
   void startOstrel();
   void stopOstrel() { ostrel_.reset(); }
-  ChildProcess& ostrel() { return *ostrel_; }
+  support::ChildProcess& ostrel() { return *ostrel_; }
   /// What Ostrel has written to its outputs.
   std::string ostrelLog() const;
 
@@ -69,21 +76,20 @@ class DesktopSession {
   Point titleBar(Window window);
 
  private:
-  std::filesystem::path log(const std::string& name) const { return home_ / (name + ".log"); }
-  void startServer(int width, int height);
-  void startBus();
+  /// Starts a process of this desktop that writes both outputs to the log of that name.
+  std::unique_ptr<support::ChildProcess> start(const Arguments& arguments, const std::string& log);
   std::vector<Window> decoration(Window window);
   Point clientSideButton(Window window, Button button);
 
   WindowManager windowManager_;
-  std::filesystem::path home_;
-  Environment environment_;
-  std::unique_ptr<ChildProcess> server_;
+  support::TemporaryFolder home_;
+  Arguments environment_;
+  std::unique_ptr<support::XvfbSession> server_;
   std::unique_ptr<XClient> x_;
-  std::unique_ptr<ChildProcess> bus_;
-  std::unique_ptr<ChildProcess> windowManagerProcess_;
-  std::vector<std::unique_ptr<ChildProcess>> applications_;
-  std::unique_ptr<ChildProcess> ostrel_;
+  std::unique_ptr<support::ChildProcess> bus_;
+  std::unique_ptr<support::ChildProcess> windowManagerProcess_;
+  std::vector<std::unique_ptr<support::ChildProcess>> applications_;
+  std::unique_ptr<support::ChildProcess> ostrel_;
 };
 
 }  // namespace desktoptest

@@ -34,7 +34,7 @@ class DesktopTest : public testing::Test {
   void dragWindow(Window window, Point grip, Point distance) {
     const Frame start = x.frame(window).value_or(Frame{});
     x.movePointer(grip);
-    x.button(1, true);
+    x.press();
     int step = 0;
     EXPECT_TRUE(happens([&] {
       x.movePointer({grip.x + 20 + step++ % 2, grip.y});
@@ -42,7 +42,7 @@ class DesktopTest : public testing::Test {
     }));
     x.movePointer({grip.x + distance.x, grip.y + distance.y});
     EXPECT_TRUE(reaches(window, {start.x + distance.x, start.y + distance.y, start.width, start.height}));
-    x.button(1, false);
+    x.release();
     EXPECT_TRUE(happens([&] { return x.isPointerFree(); })) << "the window manager lets go";
   }
 

@@ -21,10 +21,9 @@ TEST_P(PassThrough, TitleBarsAreDraggedAndDoubleClicked) {
 }
 
 TEST_P(PassThrough, TextIsSelectedByDraggingAndByDoubleClick) {
-  writeFile(desktop.home() / "words", std::string(2000, 'w'));
+  desktop.home().write("words", std::string(2000, 'w'));
   const Window window = desktop.open(
-      {"xterm", "-xrm", "*wmTimeout: 200", "-e", "cat " + (desktop.home() / "words").string() + "; sleep 1000"},
-      startFrame);
+      {"xterm", "-xrm", "*wmTimeout: 200", "-e", "cat " + desktop.home() / "words" + "; sleep 1000"}, startFrame);
   desktop.startOstrel();
   const Frame text = x.rectangle(window).value();
   const Point start{text.x + 40, text.y + 40};
@@ -36,7 +35,7 @@ TEST_P(PassThrough, TextIsSelectedByDraggingAndByDoubleClick) {
 
   const Window editor = openEditor({700, 300, 500, 340});
   const Frame field = x.rectangle(editor).value();
-  for (const char letter : {'o', 's', 't'}) x.type(letter);
+  for (const xcb_keysym_t letter : {'o', 's', 't'}) x.type(letter);
   const Point word{field.x + 30, field.y + 60};
   const Window terminal = x.primarySelectionOwner();
   EXPECT_TRUE(happens([&] {

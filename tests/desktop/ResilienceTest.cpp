@@ -38,7 +38,7 @@ class Resilience : public EachWindowManager {
 
 TEST_P(Resilience, AStoppedApplicationCostsNobodyAClick) {
   const Window stopped = openEditor();
-  ChildProcess& stoppedProcess = desktop.application();
+  support::ChildProcess& stoppedProcess = desktop.application();
   const Window other = openEditor({800, 500, 500, 340});
   desktop.startOstrel();
   stoppedProcess.signal(SIGSTOP);
@@ -58,10 +58,10 @@ TEST_P(Resilience, KilledInAPressItLeavesTheMouseFree) {
   const Point place = desktop.button(window, Button::Minimise);
   desktop.ostrel().signal(SIGSTOP);  // so that the press waits for its answer
   x.movePointer(place);
-  x.button(1, true);
+  x.press();
   desktop.ostrel().signal(SIGKILL);
   EXPECT_TRUE(happens([&] { return x.isPointerFree(); }));
-  x.button(1, false);
+  x.release();
   desktop.click(window, Button::Zoom);
   EXPECT_TRUE(happens([&] { return x.isMaximised(window); })) << "the button is native again";
 }
@@ -76,8 +76,8 @@ TEST_P(Resilience, StoppedInAPressItLeavesTheMouseFreeWithinAQuarterOfASecond) {
     desktop.ostrel().signal(SIGSTOP);
     x.movePointer(place);
     const auto pressed = steady_clock::now();
-    x.button(1, true);
-    x.button(1, false);
+    x.press();
+    x.release();
     ASSERT_TRUE(happens([&] { return x.isPointerFree(); }));
     best = std::min(best, std::chrono::duration_cast<milliseconds>(steady_clock::now() - pressed));
     desktop.stopOstrel();

@@ -1,24 +1,14 @@
 #include "tests/desktop/XClient.h"
 
 #include <poll.h>
-#include <xcb/xtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <ostream>
 #include <stdexcept>
 
 namespace desktoptest {
 
 namespace {
-
-struct Free {
-  void operator()(void* memory) const { std::free(memory); }
-};
-template <class T>
-std::unique_ptr<T, Free> owned(T* memory) {
-  return std::unique_ptr<T, Free>(memory);
-}
 
 constexpr std::uint32_t fromPager = 2;
 
@@ -28,66 +18,52 @@ std::ostream& operator<<(std::ostream& stream, const Frame& frame) {
   return stream << '(' << frame.x << ", " << frame.y << ", " << frame.width << ", " << frame.height << ')';
 }
 
-XClient::XClient(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
-  auto* c = connection_.get();
-  if (xcb_connection_has_error(c) != 0) throw std::runtime_error("cannot open display " + display);
-  root_ = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
+XClient::XClient() {
   const std::uint32_t events =
       XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-  xcb_change_window_attributes(c, root_, XCB_CW_EVENT_MASK, &events);
+  xcb_change_window_attributes(c_, root(), XCB_CW_EVENT_MASK, &events);
 }
 
 bool XClient::waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds bound) {
   const auto end = std::chrono::steady_clock::now() + bound;
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) return false;
-    pollfd readable{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
+    pollfd readable{connection_.fileDescriptor(), POLLIN, 0};
     poll(&readable, 1, 10);
-    while (owned(xcb_poll_for_event(connection_.get()))) {
+    while (connection_.pollEvent()) {
     }
-    if (xcb_connection_has_error(connection_.get()) != 0) throw std::runtime_error("the X server is gone");
+    if (connection_.isBroken()) throw std::runtime_error("the X server is gone");
   }
   return true;
 }
 
-xcb_atom_t XClient::atom(const std::string& name) {
-  auto* c = connection_.get();
-  const auto cookie = xcb_intern_atom(c, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-  const auto reply = owned(xcb_intern_atom_reply(c, cookie, nullptr));
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 std::vector<std::uint32_t> XClient::property(Window window, const std::string& name) {
-  auto* c = connection_.get();
-  const auto cookie = xcb_get_property(c, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 4096);
-  const auto reply = owned(xcb_get_property_reply(c, cookie, nullptr));
+  const auto cookie = xcb_get_property(c_, 0, window, connection_.atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 4096);
+  const auto reply = connection_.reply(xcb_get_property_reply, cookie);
   if (!reply || reply->format != 32) return {};
   const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
   return {values, values + reply->value_len};
 }
 
-std::vector<Window> XClient::clients() { return property(root_, "_NET_CLIENT_LIST"); }
+std::vector<Window> XClient::clients() { return property(root(), "_NET_CLIENT_LIST"); }
 
 std::vector<Window> XClient::children(Window window) {
-  auto* c = connection_.get();
-  const auto reply = owned(xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr));
+  const auto reply = connection_.reply(xcb_query_tree_reply, xcb_query_tree(c_, window));
   if (!reply) return {};
   const auto* first = xcb_query_tree_children(reply.get());
   return {first, first + reply->children_len};
 }
 
 std::optional<xcb_get_window_attributes_reply_t> XClient::attributes(Window window) {
-  auto* c = connection_.get();
-  const auto reply = owned(xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, window), nullptr));
+  const auto reply = connection_.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(c_, window));
   if (!reply) return std::nullopt;
   return *reply;
 }
 
 std::optional<Frame> XClient::rectangle(Window window) {
-  auto* c = connection_.get();
-  const auto geometry = owned(xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));
+  const auto geometry = connection_.reply(xcb_get_geometry_reply, xcb_get_geometry(c_, window));
   const auto origin =
-      owned(xcb_translate_coordinates_reply(c, xcb_translate_coordinates(c, window, root_, 0, 0), nullptr));
+      connection_.reply(xcb_translate_coordinates_reply, xcb_translate_coordinates(c_, window, root(), 0, 0));
   if (!geometry || !origin) return std::nullopt;
   return Frame{origin->dst_x, origin->dst_y, geometry->width, geometry->height};
 }
@@ -131,7 +107,7 @@ bool XClient::isIconic(Window window) {
 
 bool XClient::hasState(Window window, const std::string& name) {
   const auto states = property(window, "_NET_WM_STATE");
-  return std::find(states.begin(), states.end(), atom(name)) != states.end();
+  return std::find(states.begin(), states.end(), connection_.atom(name)) != states.end();
 }
 
 bool XClient::drawsOwnTitleBar(Window window) {
@@ -145,18 +121,16 @@ bool XClient::isMaximised(Window window) {
 }
 
 Window XClient::topLevel(Window window) {
-  auto* c = connection_.get();
   for (;;) {
-    const auto reply = owned(xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr));
+    const auto reply = connection_.reply(xcb_query_tree_reply, xcb_query_tree(c_, window));
     if (!reply) return XCB_NONE;
-    if (reply->parent == root_) return window;
+    if (reply->parent == root()) return window;
     window = reply->parent;
   }
 }
 
 Window XClient::primarySelectionOwner() {
-  auto* c = connection_.get();
-  const auto reply = owned(xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, XCB_ATOM_PRIMARY), nullptr));
+  const auto reply = connection_.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(c_, XCB_ATOM_PRIMARY));
   return reply ? reply->owner : Window{XCB_NONE};
 }
 
@@ -165,11 +139,11 @@ void XClient::sendToRoot(Window window, const std::string& type, const std::vect
   event.response_type = XCB_CLIENT_MESSAGE;
   event.format = 32;
   event.window = window;
-  event.type = atom(type);
+  event.type = connection_.atom(type);
   std::copy(data.begin(), data.end(), event.data.data32);
-  xcb_send_event(connection_.get(), 0, root_, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+  xcb_send_event(c_, 0, root(), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                  reinterpret_cast<const char*>(&event));
-  xcb_flush(connection_.get());
+  connection_.flush();
 }
 
 void XClient::moveResize(Window window, const Frame& wanted) {
@@ -188,82 +162,41 @@ void XClient::moveResize(Window window, const Frame& wanted) {
 
 void XClient::activate(Window window) { sendToRoot(window, "_NET_ACTIVE_WINDOW", {fromPager, XCB_CURRENT_TIME, 0}); }
 
-void XClient::movePointer(Point point) {
-  xcb_test_fake_input(connection_.get(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root_,
-                      static_cast<std::int16_t>(point.x), static_cast<std::int16_t>(point.y), 0);
-  xcb_flush(connection_.get());
-}
-
-void XClient::button(int number, bool down) {
-  xcb_test_fake_input(connection_.get(), down ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE,
-                      static_cast<std::uint8_t>(number), XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-  xcb_flush(connection_.get());
-}
-
 void XClient::click(Point point, int number) {
   movePointer(point);
-  button(number, true);
-  button(number, false);
+  hands_.click(number);
 }
 
 void XClient::drag(const std::vector<Point>& path) {
   movePointer(path.front());
-  button(1, true);
+  press();
   for (const Point point : path) movePointer(point);
-  button(1, false);
-}
-
-xcb_keycode_t XClient::keycode(Key key) {
-  auto* c = connection_.get();
-  const auto* setup = xcb_get_setup(c);
-  const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
-  const auto reply =
-      owned(xcb_get_keyboard_mapping_reply(c, xcb_get_keyboard_mapping(c, setup->min_keycode, count), nullptr));
-  if (!reply) throw std::runtime_error("no keyboard mapping");
-  const auto* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
-  const auto* end = symbols + xcb_get_keyboard_mapping_keysyms_length(reply.get());
-  const auto* found = std::find(symbols, end, static_cast<xcb_keysym_t>(key));
-  if (found == end) throw std::runtime_error("the keyboard has no such key");
-  return static_cast<xcb_keycode_t>(setup->min_keycode + (found - symbols) / reply->keysyms_per_keycode);
-}
-
-void XClient::key(Key key, bool down) {
-  xcb_test_fake_input(connection_.get(), down ? XCB_KEY_PRESS : XCB_KEY_RELEASE, keycode(key), XCB_CURRENT_TIME,
-                      XCB_NONE, 0, 0, 0);
-  xcb_flush(connection_.get());
-}
-
-void XClient::type(char letter) {
-  key(static_cast<Key>(letter), true);
-  key(static_cast<Key>(letter), false);
+  release();
 }
 
 bool XClient::isOn(Key lock) {
-  auto* c = connection_.get();
-  const auto reply = owned(xcb_query_pointer_reply(c, xcb_query_pointer(c, root_), nullptr));
+  const auto reply = connection_.reply(xcb_query_pointer_reply, xcb_query_pointer(c_, root()));
   const auto mask = lock == Key::CapsLock ? XCB_KEY_BUT_MASK_LOCK : XCB_KEY_BUT_MASK_MOD_2;
   return reply && (reply->mask & mask) != 0;
 }
 
 bool XClient::isButtonGrabbed() {
-  auto* c = connection_.get();
-  const auto cookie = xcb_grab_button_checked(c, 0, root_, XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
-                                              XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_BUTTON_INDEX_1, 0);
-  const auto refused = owned(xcb_request_check(c, cookie));
-  if (refused) return true;
-  xcb_ungrab_button(c, XCB_BUTTON_INDEX_1, root_, 0);
-  xcb_flush(c);
-  return false;
+  // Nobody else can grab between the two requests, or this question would be what fails them.
+  xcb_grab_server(c_);
+  const auto attempt = xcb_grab_button_checked(c_, 0, root(), XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
+                                               XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_BUTTON_INDEX_1, 0);
+  xcb_ungrab_button(c_, XCB_BUTTON_INDEX_1, root(), 0);
+  xcb_ungrab_server(c_);
+  return connection_.check(attempt) != nullptr;
 }
 
 bool XClient::isPointerFree() {
-  auto* c = connection_.get();
-  const auto cookie =
-      xcb_grab_pointer(c, 0, root_, 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
-  const auto reply = owned(xcb_grab_pointer_reply(c, cookie, nullptr));
+  const auto cookie = xcb_grab_pointer(c_, 0, root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE,
+                                       XCB_CURRENT_TIME);
+  const auto reply = connection_.reply(xcb_grab_pointer_reply, cookie);
   if (!reply || reply->status != XCB_GRAB_STATUS_SUCCESS) return false;
-  xcb_ungrab_pointer(c, XCB_CURRENT_TIME);
-  xcb_flush(c);
+  xcb_ungrab_pointer(c_, XCB_CURRENT_TIME);
+  connection_.flush();
   return true;
 }
 

@@ -6,10 +6,11 @@
 #include <chrono>
 #include <functional>
 #include <iosfwd>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "tests/support/XvfbSession.h"
 
 namespace desktoptest {
 
@@ -42,10 +43,10 @@ enum class Key : xcb_keysym_t {
 /// One connection, used from one thread. Questions about a window that is gone answer nothing.
 class XClient {
  public:
-  /// Throws when the display cannot be opened.
-  explicit XClient(const std::string& display);
+  /// Throws when $DISPLAY cannot be opened.
+  XClient();
 
-  Window root() const { return root_; }
+  Window root() const { return connection_.root(); }
   /// Looks at `condition` again after whatever happens on the display (and now and then, for conditions that are not
   /// about the display) until it holds; false when it does not within `bound`.
   bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds bound = std::chrono::seconds(10));
@@ -73,10 +74,12 @@ class XClient {
   /// Raises, focuses and brings back from the icon.
   void activate(Window window);
 
-  void movePointer(Point point);
-  void button(int number, bool down);
-  void key(Key key, bool down);
-  void type(char letter);
+  void movePointer(Point point) { hands_.move(point.x, point.y); }
+  void press() { hands_.press(); }
+  void release() { hands_.release(); }
+  void hold(Key key) { hands_.keyDown(static_cast<xcb_keysym_t>(key)); }
+  void letGo(Key key) { hands_.keyUp(static_cast<xcb_keysym_t>(key)); }
+  void type(xcb_keysym_t symbol) { hands_.tapKey(symbol); }
   void click(Point point, int number = 1);
   /// Presses at the first point and releases at the last, all at once.
   void drag(const std::vector<Point>& path);
@@ -89,16 +92,12 @@ class XClient {
   bool isPointerFree();
 
  private:
-  struct Disconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-  };
-  xcb_atom_t atom(const std::string& name);
   bool hasState(Window window, const std::string& name);
   void sendToRoot(Window window, const std::string& type, const std::vector<std::uint32_t>& data);
-  xcb_keycode_t keycode(Key key);
 
-  std::unique_ptr<xcb_connection_t, Disconnect> connection_;
-  Window root_ = XCB_NONE;
+  support::Hands hands_;
+  x11::Connection& connection_ = hands_.connection();
+  xcb_connection_t* const c_ = connection_.get();
 };
 
 }  // namespace desktoptest

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -23,6 +24,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::v
   pid_ = fork();
   if (pid_ < 0) throw std::runtime_error("fork");
   if (pid_ == 0) {
+    setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     dup2(in[0], STDIN_FILENO);
     dup2(out[1], STDOUT_FILENO);
@@ -30,6 +32,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::v
     execvp(arguments.front(), arguments.data());
     _exit(127);
   }
+  setpgid(pid_, pid_);  // both sides set it, so that it holds for whoever comes first
   close(in[0]);
   close(out[1]);
   input_ = in[1];
@@ -37,13 +40,27 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::v
 }
 
 ChildProcess::~ChildProcess() {
-  signal(SIGKILL);
-  waitpid(pid_, nullptr, 0);
+  kill(-pid_, SIGKILL);
+  if (!status_) waitpid(pid_, nullptr, 0);
   close(input_);
   close(output_);
 }
 
-void ChildProcess::signal(int number) const { kill(pid_, number); }
+void ChildProcess::signal(int number) const {
+  if (!status_) kill(pid_, number);
+}
+
+std::optional<int> ChildProcess::waitForExit(std::chrono::milliseconds bound) {
+  if (status_) return status_;
+  pollfd ended{static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)), POLLIN, 0};
+  const bool hasEnded = poll(&ended, 1, static_cast<int>(bound.count())) == 1;
+  close(ended.fd);
+  if (!hasEnded) return std::nullopt;
+  int status = 0;
+  waitpid(pid_, &status, 0);
+  status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return status_;
+}
 
 std::optional<std::string> ChildProcess::readLine(std::chrono::milliseconds bound) {
   const auto deadline = std::chrono::steady_clock::now() + bound;
