@@ -134,6 +134,7 @@ TEST_F(TapTest, ReleasedInTheMiddleOfItsOwnCallback) {
   desktop.inject({.call = Call::HitTest, .meanwhile = [this] { controller.reset(); }});
   EXPECT_FALSE(desktop.click("green"));
   EXPECT_EQ(desktop.enabledTapCount(), 0U);
+  EXPECT_EQ(desktop.tapCount(), 1U) << "a tap must outlive its own call";
   RunLoop::runPending();
   EXPECT_EQ(desktop.tapCount(), 0U);
   EXPECT_TRUE(desktop.writes().empty());
