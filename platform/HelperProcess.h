@@ -3,14 +3,9 @@
 
 namespace ns {
 
-#if defined(OSTREL_SYSTEM_FRAMEWORKS)
-/// The system itself disables a tap that does not answer.
-inline void startHelperProcess() {}
-#else
 /// Splits off the small process that frees the mouse should this one be stopped or hang while it holds a click. To be
 /// called once, on the way into main, before anything starts a thread. It ends with this process. When it cannot be
-/// started the application runs without it.
+/// started, or where the system itself lets such clicks go, the application runs without it.
 void startHelperProcess();
-#endif
 
 }  // namespace ns

@@ -1,0 +1,43 @@
+#include "platform/Text.h"
+
+#import <Foundation/Foundation.h>
+
+namespace ns {
+namespace {
+
+// The wanted encoding by its byte order, so that no byte-order mark is expected or written.
+constexpr NSStringEncoding kScalars = NSUTF32LittleEndianStringEncoding;
+
+NSString* toString(std::string_view text) {
+  NSString* string = [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
+  return string != nil ? string : @"\uFFFD";
+}
+
+}  // namespace
+
+bool isAlphanumeric(char32_t scalar) { return [NSCharacterSet.alphanumericCharacterSet longCharacterIsMember:scalar]; }
+
+std::u32string unicodeScalars(std::string_view text) {
+  NSData* data = [toString(text) dataUsingEncoding:kScalars];
+  std::u32string scalars(data.length / sizeof(char32_t), U'\0');
+  [data getBytes:scalars.data() length:scalars.size() * sizeof(char32_t)];
+  return scalars;
+}
+
+std::string utf8(std::u32string_view scalars) {
+  NSString* string = [[NSString alloc] initWithBytes:scalars.data()
+                                              length:scalars.size() * sizeof(char32_t)
+                                            encoding:kScalars];
+  const char* text = string.UTF8String;
+  return text != nullptr ? text : "";
+}
+
+std::string precomposedString(std::string_view text) {
+  return toString(text).precomposedStringWithCanonicalMapping.UTF8String;
+}
+
+ComparisonResult localizedCaseInsensitiveCompare(std::string_view one, std::string_view other) {
+  return static_cast<ComparisonResult>([toString(one) localizedCaseInsensitiveCompare:toString(other)]);
+}
+
+}  // namespace ns

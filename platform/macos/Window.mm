@@ -1,0 +1,69 @@
+#include "platform/Window.h"
+
+#import "platform/macos/Bridge.h"
+#import "platform/macos/ViewNative.h"
+
+@interface OstrelWindowDelegate : NSObject <NSWindowDelegate> {
+ @public
+  std::weak_ptr<ns::WindowDelegate> delegate;
+}
+@end
+
+@implementation OstrelWindowDelegate
+
+- (void)windowWillClose:(NSNotification*)__unused notification {
+  if (const auto strong = delegate.lock()) ns::callBack([&] { strong->windowWillClose(); });
+}
+
+- (void)windowDidBecomeKey:(NSNotification*)__unused notification {
+  if (const auto strong = delegate.lock()) ns::callBack([&] { strong->windowDidBecomeKey(); });
+}
+
+@end
+
+namespace ns {
+
+struct Window::Native {
+  NSWindow* window;
+  OstrelWindowDelegate* delegate;
+  std::shared_ptr<View> contentView;
+};
+
+Window::Window(CGRect contentRect, WindowStyleMask styleMask) : native_(std::make_unique<Native>()) {
+  assertMainThread();
+  native_->window = [[NSWindow alloc] initWithContentRect:contentRect
+                                                styleMask:styleMask
+                                                  backing:NSBackingStoreBuffered
+                                                    defer:NO];
+  // Closing hides it; this object owns it.
+  native_->window.releasedWhenClosed = NO;
+  native_->delegate = [[OstrelWindowDelegate alloc] init];
+  native_->window.delegate = native_->delegate;
+}
+
+Window::~Window() {
+  native_->window.delegate = nil;
+  [native_->window close];
+}
+
+void Window::setTitle(const std::string& title) { native_->window.title = toNSString(title); }
+void Window::setDelegate(std::weak_ptr<WindowDelegate> delegate) { native_->delegate->delegate = std::move(delegate); }
+
+void Window::setContentView(const std::shared_ptr<View>& view) {
+  native_->contentView = view;
+  NSView* contentView = view->native().view;
+  // The window sizes its content view by its frame, not by constraints.
+  contentView.translatesAutoresizingMaskIntoConstraints = YES;
+  native_->window.contentView = contentView;
+}
+std::shared_ptr<View> Window::contentView() const { return native_->contentView; }
+
+void Window::setContentSize(CGSize size) { [native_->window setContentSize:size]; }
+void Window::setContentMinSize(CGSize size) { native_->window.contentMinSize = size; }
+void Window::setMinSize(CGSize size) { native_->window.minSize = size; }
+void Window::center() { [native_->window center]; }
+void Window::makeKeyAndOrderFront() { [native_->window makeKeyAndOrderFront:nil]; }
+void Window::close() { [native_->window performClose:nil]; }
+bool Window::isVisible() const { return native_->window.visible; }
+
+}  // namespace ns
