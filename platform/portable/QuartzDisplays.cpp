@@ -1,4 +1,4 @@
-// Rectangles, and the display services over the desktop's list.
+// The display services over the desktop's list.
 #include <algorithm>
 #include <vector>
 
@@ -15,16 +15,6 @@ desktop::Display known(CGDirectDisplayID display) {
 }  // namespace
 
 extern "C" {
-
-bool CGRectContainsPoint(CGRect rect, CGPoint point) {
-  return point.x >= CGRectGetMinX(rect) && point.x < CGRectGetMaxX(rect) && point.y >= CGRectGetMinY(rect) &&
-         point.y < CGRectGetMaxY(rect);
-}
-
-bool CGRectEqualToRect(CGRect one, CGRect other) {
-  return one.origin.x == other.origin.x && one.origin.y == other.origin.y && one.size.width == other.size.width &&
-         one.size.height == other.size.height;
-}
 
 CGError CGGetActiveDisplayList(std::uint32_t maxDisplays, CGDirectDisplayID* activeDisplays,
                                std::uint32_t* displayCount) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/WindowManagers/WindowManager.h"
 
 namespace x11 {
 namespace {
@@ -29,6 +30,11 @@ std::string windowManagerName(Connection& connection) {
   return textProperty(connection, window, "_NET_WM_NAME");
 }
 
+std::string howButtonsAreFound(const std::string& manager) {
+  if (windowManagerNamed(manager) != nullptr) return "the window manager's button windows; GTK's own by AT-SPI";
+  return "only GTK's own, by AT-SPI; title bars that the window manager draws are left alone";
+}
+
 std::string_view environment(const char* name) {
   const char* value = std::getenv(name);
   return value == nullptr ? std::string_view() : value;
@@ -49,7 +55,8 @@ std::vector<ns::DiagnosticLine> ns::desktopDiagnostics() {
   if (!connection) return {{"Display server", "none that Ostrel can use"}};
   const std::string manager = x11::windowManagerName(*connection);
   return {{"Display server", x11::serverDescription(*connection)},
-          {"Window manager", manager.empty() ? "none" : manager}};
+          {"Window manager", manager.empty() ? "none" : manager},
+          {"Buttons found by", x11::howButtonsAreFound(manager)}};
 }
 
 std::optional<std::string> ns::desktopUnavailableReason() {

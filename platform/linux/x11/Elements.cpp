@@ -1,0 +1,218 @@
+#include "platform/linux/x11/Elements.h"
+
+#include <algorithm>
+
+#include "platform/linux/x11/Requests.h"
+
+namespace x11 {
+
+namespace {
+
+enum Kind : std::uint32_t { kSystemWide = 1, kApplication, kWindow, kButton };
+
+// A button's number is its window's with its role above.
+constexpr unsigned kRoleShift = 32;
+
+xcb_window_t clientOf(const desktop::Element& element) { return static_cast<xcb_window_t>(element.id & 0xffffffffU); }
+ButtonRole roleOf(const desktop::Element& element) { return static_cast<ButtonRole>(element.id >> kRoleShift); }
+pid_t pidOf(const desktop::Element& element) { return static_cast<pid_t>(element.id); }
+
+AXError give(desktop::Value& value, desktop::Value answer) {
+  value = std::move(answer);
+  return kAXErrorSuccess;
+}
+
+std::string text(std::string_view literal) { return std::string(literal); }
+
+std::string_view subroleOf(ButtonRole role) {
+  switch (role) {
+    case ButtonRole::Minimize:
+      return "AXMinimizeButton";
+    case ButtonRole::Zoom:
+      return "AXZoomButton";
+    case ButtonRole::Close:
+      break;
+  }
+  return "AXCloseButton";
+}
+
+xcb_translate_coordinates_cookie_t translate(const Connection& connection, xcb_window_t to, CGPoint position) {
+  return xcb_translate_coordinates(connection.get(), connection.root(), to,
+                                   static_cast<std::int16_t>(std::clamp(position.x, -32768.0, 32767.0)),
+                                   static_cast<std::int16_t>(std::clamp(position.y, -32768.0, 32767.0)));
+}
+
+}  // namespace
+
+desktop::Element Elements::systemWide() { return {kSystemWide, 0}; }
+desktop::Element Elements::application(pid_t pid) { return {kApplication, static_cast<std::uint32_t>(pid)}; }
+desktop::Element Elements::window(xcb_window_t client) { return {kWindow, client}; }
+desktop::Element Elements::button(xcb_window_t client, ButtonRole role) {
+  return {kButton, client | static_cast<std::uint64_t>(role) << kRoleShift};
+}
+
+bool Elements::mayHitButton(xcb_window_t rootChild, CGPoint position) const {
+  const auto window = tracker_.windowOfFrame(rootChild);
+  return window && (isOnManagedTitleBar(*window, position) || clientButtonAt(*window, position));
+}
+
+AXError Elements::atPosition(CGPoint position, desktop::Element& element) const {
+  const auto top =
+      connection_.reply(xcb_translate_coordinates_reply, translate(connection_, connection_.root(), position));
+  if (!top) return kAXErrorCannotComplete;
+  const auto window = tracker_.windowOfFrame(top->child);
+  if (!window) return kAXErrorNoValue;
+  const auto role =
+      isOnManagedTitleBar(*window, position) ? managedButtonAt(*window, position) : clientButtonAt(*window, position);
+  element = role ? button(window->client, *role) : Elements::window(window->client);
+  return kAXErrorSuccess;
+}
+
+bool Elements::isOnManagedTitleBar(const Window& window, CGPoint position) const {
+  // The press is known to be in the frame; the title bar is what lies above the client.
+  return window.geometry.decoration.top > 0 && position.y < window.geometry.client.y &&
+         windowManagerNamed(tracker_.windowManager().name) != nullptr;
+}
+
+std::optional<ButtonRole> Elements::managedButtonAt(const Window& window, CGPoint position) const {
+  const RunningWindowManager running = tracker_.windowManager();
+  const WindowManager* manager = windowManagerNamed(running.name);
+  if (manager == nullptr) return std::nullopt;
+  ButtonPath path{connection_, running.pid, {window.frame}, {}};
+  // No window manager nests its buttons deeper; a bound all the same, against a tree that changes under our feet.
+  constexpr std::size_t kDeepest = 6;
+  while (path.windows.size() < kDeepest) {
+    const auto next = connection_.reply(xcb_translate_coordinates_reply, translate(connection_, path.leaf(), position));
+    if (!next) return std::nullopt;
+    if (next->child == XCB_WINDOW_NONE) break;
+    path.windows.push_back(next->child);
+  }
+  if (path.windows.size() < 2) return std::nullopt;
+  const xcb_window_t parent = path.windows[path.windows.size() - 2];
+  const auto tree = connection_.reply(xcb_query_tree_reply, xcb_query_tree(connection_.get(), parent));
+  if (!tree) return std::nullopt;
+  const xcb_window_t* children = xcb_query_tree_children(tree.get());
+  path.siblings.assign(children, children + xcb_query_tree_children_length(tree.get()));
+  return manager->roleOf(path);
+}
+
+std::optional<ButtonRole> Elements::clientButtonAt(const Window& window, CGPoint position) const {
+  if (!window.drawsItsTitleBar()) return std::nullopt;
+  const Rect frame = window.geometry.frame();
+  const CGPoint inside{position.x - frame.x, position.y - frame.y};
+  for (const atspi::TitleBarButton& button : clientButtons_(window.client)) {
+    if (CGRectContainsPoint(button.rect, inside)) return button.role;
+  }
+  return std::nullopt;
+}
+
+MinimizeButton Elements::minimizeButtonOf(const Window& window) const {
+  const MinimizeButton allowed = window.properties.minimizeButton();
+  if (allowed == MinimizeButton::Missing || !window.drawsItsTitleBar()) return allowed;
+  for (const atspi::TitleBarButton& button : clientButtons_(window.client)) {
+    if (button.role == ButtonRole::Minimize) return button.enabled ? allowed : MinimizeButton::Disabled;
+  }
+  return MinimizeButton::Missing;
+}
+
+AXError Elements::attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) const {
+  switch (element.kind) {
+    case kSystemWide:
+      return name == "AXRole" ? give(value, text("AXSystemWide")) : kAXErrorAttributeUnsupported;
+    case kApplication:
+      return applicationAttribute(pidOf(element), name, value);
+    case kWindow:
+    case kButton: {
+      const auto window = tracker_.window(clientOf(element));
+      if (!window) return kAXErrorInvalidUIElement;
+      return element.kind == kWindow ? windowAttribute(*window, name, value)
+                                     : buttonAttribute(*window, roleOf(element), name, value);
+    }
+    default:
+      return kAXErrorInvalidUIElement;
+  }
+}
+
+AXError Elements::applicationAttribute(pid_t pid, std::string_view name, desktop::Value& value) const {
+  if (tracker_.windowsOfProcess(pid).empty()) return kAXErrorInvalidUIElement;
+  if (name == "AXRole") return give(value, text("AXApplication"));
+  if (name == "AXHidden") return give(value, hiding_.isHidden(pid));
+  return kAXErrorAttributeUnsupported;
+}
+
+AXError Elements::windowAttribute(const Window& window, std::string_view name, desktop::Value& value) const {
+  if (name == "AXRole") return give(value, text("AXWindow"));
+  if (name == "AXSubrole") {
+    const bool isDialog = window.properties.isTransient || !window.properties.isNormalType;
+    return give(value, text(isDialog ? "AXDialog" : "AXStandardWindow"));
+  }
+  if (name == "AXParent") {
+    return window.pid == 0 ? kAXErrorNoValue : give(value, application(window.pid));
+  }
+  if (name == "AXMinimized") return give(value, window.properties.isIconic());
+  if (name == "AXMinimizeButton") {
+    return minimizeButtonOf(window) == MinimizeButton::Missing
+               ? kAXErrorNoValue
+               : give(value, button(window.client, ButtonRole::Minimize));
+  }
+  const Rect frame = placement_.expectedFrame(window.client, window.geometry.frame());
+  if (name == "AXPosition") return give(value, CGPointMake(frame.x, frame.y));
+  if (name == "AXSize") return give(value, CGSizeMake(frame.width, frame.height));
+  return kAXErrorAttributeUnsupported;
+}
+
+AXError Elements::buttonAttribute(const Window& window, ButtonRole role, std::string_view name,
+                                  desktop::Value& value) const {
+  if (name == "AXRole") return give(value, text("AXButton"));
+  if (name == "AXSubrole") return give(value, text(subroleOf(role)));
+  if (name == "AXParent") return give(value, Elements::window(window.client));
+  if (name == "AXEnabled") {
+    return give(value, role != ButtonRole::Minimize || minimizeButtonOf(window) == MinimizeButton::Enabled);
+  }
+  return kAXErrorAttributeUnsupported;
+}
+
+AXError Elements::setAttribute(const desktop::Element& element, std::string_view name,
+                               const desktop::Value& value) const {
+  if (element.kind == kApplication && name == "AXHidden") {
+    const bool* hidden = std::get_if<bool>(&value);
+    if (hidden == nullptr) return kAXErrorIllegalArgument;
+    const bool done = *hidden ? hiding_.hide(pidOf(element)) : hiding_.unhide(pidOf(element));
+    return done || !*hidden ? kAXErrorSuccess : kAXErrorInvalidUIElement;
+  }
+  if (element.kind != kWindow) return kAXErrorAttributeUnsupported;
+  const xcb_window_t client = clientOf(element);
+  if (!tracker_.window(client)) return kAXErrorInvalidUIElement;
+  if (name == "AXPosition") {
+    const auto* position = std::get_if<CGPoint>(&value);
+    if (position == nullptr) return kAXErrorIllegalArgument;
+    placement_.want(client, {*position, std::nullopt});
+  } else if (name == "AXSize") {
+    const auto* size = std::get_if<CGSize>(&value);
+    if (size == nullptr) return kAXErrorIllegalArgument;
+    placement_.want(client, {std::nullopt, *size});
+  } else if (name == "AXMinimized") {
+    const bool* minimized = std::get_if<bool>(&value);
+    if (minimized == nullptr) return kAXErrorIllegalArgument;
+    (*minimized ? requestIconify : requestActivate)(connection_, atoms_, client);
+    connection_.flush();
+  } else {
+    return kAXErrorAttributeUnsupported;
+  }
+  return kAXErrorSuccess;
+}
+
+AXError Elements::processIdentifier(const desktop::Element& element, pid_t& pid) const {
+  if (element.kind == kApplication) {
+    pid = pidOf(element);
+    return kAXErrorSuccess;
+  }
+  if (element.kind != kWindow && element.kind != kButton) return kAXErrorIllegalArgument;
+  const auto window = tracker_.window(clientOf(element));
+  if (!window) return kAXErrorInvalidUIElement;
+  if (window->pid == 0) return kAXErrorFailure;
+  pid = window->pid;
+  return kAXErrorSuccess;
+}
+
+}  // namespace x11

@@ -1,0 +1,68 @@
+// Windows, their buttons and applications as Accessibility elements.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "platform/linux/atspi/TitleBarButtons.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Hiding.h"
+#include "platform/linux/x11/Placement.h"
+#include "platform/linux/x11/WindowManagers/WindowManager.h"
+#include "platform/linux/x11/WindowTracker.h"
+#include "platform/portable/Desktop.h"
+
+namespace x11 {
+
+/// Answers what the C half asks about elements. Main thread, except where it says otherwise. No question waits for
+/// another process than the X server; most are answered from memory.
+class Elements {
+ public:
+  /// What is known of the buttons that a window's program draws itself; answers at once. Any thread.
+  using ClientButtons = std::function<std::vector<atspi::TitleBarButton>(xcb_window_t client)>;
+
+  /// All references are lent. `connection` is asked questions; its events are left alone.
+  Elements(const Connection& connection, WindowTracker& tracker, Placement& placement, Hiding& hiding,
+           ClientButtons clientButtons)
+      : connection_(connection),
+        atoms_(connection),
+        tracker_(tracker),
+        placement_(placement),
+        hiding_(hiding),
+        clientButtons_(std::move(clientButtons)) {}
+
+  static desktop::Element systemWide();
+  static desktop::Element application(pid_t pid);
+  static desktop::Element window(xcb_window_t client);
+  static desktop::Element button(xcb_window_t client, ButtonRole role);
+
+  /// Whether a press in `rootChild`, a child of the root window, could be on a title-bar button. From memory, on any
+  /// thread.
+  bool mayHitButton(xcb_window_t rootChild, CGPoint position) const;
+
+  // As in desktop::Desktop.
+  AXError atPosition(CGPoint position, desktop::Element& element) const;
+  AXError attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) const;
+  AXError setAttribute(const desktop::Element& element, std::string_view name, const desktop::Value& value) const;
+  AXError processIdentifier(const desktop::Element& element, pid_t& pid) const;
+
+ private:
+  bool isOnManagedTitleBar(const Window& window, CGPoint position) const;
+  std::optional<ButtonRole> managedButtonAt(const Window& window, CGPoint position) const;
+  std::optional<ButtonRole> clientButtonAt(const Window& window, CGPoint position) const;
+  MinimizeButton minimizeButtonOf(const Window& window) const;
+  AXError applicationAttribute(pid_t pid, std::string_view name, desktop::Value& value) const;
+  AXError windowAttribute(const Window& window, std::string_view name, desktop::Value& value) const;
+  AXError buttonAttribute(const Window& window, ButtonRole role, std::string_view name, desktop::Value& value) const;
+
+  const Connection& connection_;
+  const Atoms atoms_;
+  WindowTracker& tracker_;
+  Placement& placement_;
+  Hiding& hiding_;
+  const ClientButtons clientButtons_;
+};
+
+}  // namespace x11

@@ -1,0 +1,276 @@
+#include "platform/linux/x11/Placement.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "platform/RunLoop.h"
+#include "platform/linux/x11/Properties.h"
+#include "platform/linux/x11/Requests.h"
+
+namespace x11 {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// How long the window manager has to take a state away.
+constexpr milliseconds kRestoring{500};
+/// How long it has to begin moving a window.
+constexpr milliseconds kAnswering{250};
+/// No event for so long, and what came of a request is final.
+constexpr milliseconds kQuiet{40};
+/// A window that was restored may still change its shadow, and with it its visible frame, once its program has drawn.
+constexpr milliseconds kWatching{400};
+/// The first request, the one that corrects it, and two for a decoration and a shadow that change in the meantime.
+constexpr int kMostRequests = 4;
+
+int wholePixels(CGFloat value) {
+  // Beyond what the protocol can say there is no screen; clamped before the conversion, which would be undefined.
+  return static_cast<int>(std::lround(std::clamp(std::isnan(value) ? 0.0 : value, -32768.0, 32767.0)));
+}
+
+bool sameExtents(const WindowGeometry& one, const WindowGeometry& other) {
+  return one.decoration == other.decoration && one.shadow == other.shadow;
+}
+
+/// Whether a length is what the window's own limits make of the wanted one. WM_NORMAL_HINTS without a flag has 0 there.
+bool isLimited(int wanted, int actual, int increment, int minimum, int maximum) {
+  if (actual > wanted) return minimum > 0 && actual <= minimum;
+  return wanted - actual < std::max(increment, 1) || (maximum > 0 && actual >= maximum);
+}
+
+}  // namespace
+
+Rect PlacementGoal::appliedTo(const Rect& frame) const {
+  Rect result = frame;
+  if (position) {
+    result.x = wholePixels(position->x);
+    result.y = wholePixels(position->y);
+  }
+  if (size) {
+    result.width = std::max(wholePixels(size->width), 1);
+    result.height = std::max(wholePixels(size->height), 1);
+  }
+  return result;
+}
+
+void PlacementGoal::merge(const PlacementGoal& later) {
+  if (later.position) position = later.position;
+  if (later.size) size = later.size;
+}
+
+struct Placement::Shared {
+  ns::Lock lock;
+  /// Wanted by the main thread's current task.
+  std::unordered_map<xcb_window_t, PlacementGoal> wanted GUARDED_BY(lock);
+  /// Handed to the worker.
+  std::unordered_map<xcb_window_t, PlacementGoal> handed GUARDED_BY(lock);
+  std::unordered_map<xcb_window_t, Rect> underWay GUARDED_BY(lock);
+  bool stopped GUARDED_BY(lock) = false;
+  Wakeup wakeup;
+
+  void handOver() {
+    {
+      const ns::LockGuard guard(lock);
+      for (const auto& [client, goal] : std::exchange(wanted, {})) handed[client].merge(goal);
+    }
+    wakeup.signal();
+  }
+};
+
+Placement::Placement(std::unique_ptr<Connection> connection)
+    : connection_(std::move(connection)), atoms_(*connection_), shared_(std::make_shared<Shared>()) {
+  thread_ = std::thread([this] { run(); });
+}
+
+Placement::~Placement() {
+  {
+    const ns::LockGuard guard(shared_->lock);
+    shared_->stopped = true;
+  }
+  shared_->wakeup.signal();
+  thread_.join();
+}
+
+void Placement::want(xcb_window_t client, const PlacementGoal& goal) {
+  bool isFirst = false;
+  {
+    const ns::LockGuard guard(shared_->lock);
+    isFirst = shared_->wanted.empty();
+    shared_->wanted[client].merge(goal);
+  }
+  if (isFirst) ns::dispatchAsyncOnMainQueue([shared = shared_] { shared->handOver(); });
+}
+
+Rect Placement::expectedFrame(xcb_window_t client, const Rect& actual) const {
+  const ns::LockGuard guard(shared_->lock);
+  Rect frame = actual;
+  if (const auto found = shared_->underWay.find(client); found != shared_->underWay.end()) frame = found->second;
+  if (const auto found = shared_->handed.find(client); found != shared_->handed.end()) {
+    frame = found->second.appliedTo(frame);
+  }
+  if (const auto found = shared_->wanted.find(client); found != shared_->wanted.end()) {
+    frame = found->second.appliedTo(frame);
+  }
+  return frame;
+}
+
+void Placement::run() {
+  for (;;) {
+    while (const Event event = connection_->pollEvent()) handle(*event);
+    if (connection_->isBroken()) return;
+    {
+      const ns::LockGuard guard(shared_->lock);
+      if (shared_->stopped) return;
+    }
+    shared_->wakeup.clear();
+    takeGoals();
+    for (auto entry = jobs_.begin(); entry != jobs_.end();) {
+      auto& [client, job] = *entry;
+      const bool timedOut = Clock::now() >= job.deadline;
+      const bool goesOn = (!std::exchange(job.dirty, false) && !timedOut) || advance(client, job, timedOut);
+      entry = goesOn ? std::next(entry) : jobs_.erase(entry);
+    }
+    connection_->flush();
+    // Replies that were waited for may have brought events along, for which the socket will not become readable again.
+    if (const Event event = connection_->pollEvent()) {
+      handle(*event);
+      continue;
+    }
+    std::array<pollfd, 2> descriptors{pollfd{connection_->fileDescriptor(), POLLIN, 0},
+                                      pollfd{shared_->wakeup.fileDescriptor(), POLLIN, 0}};
+    poll(descriptors.data(), descriptors.size(), untilNextDeadline());
+  }
+}
+
+void Placement::takeGoals() {
+  std::unordered_map<xcb_window_t, PlacementGoal> goals;
+  {
+    const ns::LockGuard guard(shared_->lock);
+    goals = std::exchange(shared_->handed, {});
+  }
+  for (const auto& [client, goal] : goals) {
+    const auto [job, isNew] = jobs_.try_emplace(client);
+    if (isNew) {
+      const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+      xcb_change_window_attributes(connection_->get(), client, XCB_CW_EVENT_MASK, &mask);
+    }
+    if (!begin(client, job->second, goal)) jobs_.erase(job);
+  }
+}
+
+void Placement::handle(const xcb_generic_event_t& event) {
+  xcb_window_t window = XCB_WINDOW_NONE;
+  switch (event.response_type & 0x7f) {
+    case XCB_CONFIGURE_NOTIFY:
+      window = reinterpret_cast<const xcb_configure_notify_event_t&>(event).window;
+      break;
+    case XCB_PROPERTY_NOTIFY: {
+      const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+      if (property.atom != atoms_.netFrameExtents && property.atom != atoms_.gtkFrameExtents &&
+          property.atom != atoms_.netWmState) {
+        return;
+      }
+      window = property.window;
+      break;
+    }
+    case XCB_DESTROY_NOTIFY:
+      window = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
+      break;
+    default:
+      return;
+  }
+  if (const auto job = jobs_.find(window); job != jobs_.end()) job->second.dirty = true;
+}
+
+bool Placement::begin(xcb_window_t client, Job& job, const PlacementGoal& goal) {
+  const auto now = GeometryRequest(*connection_, atoms_, client).receive();
+  if (!now) return finish(client);
+  const bool isUnderWay = job.requests > 0 || job.wasConfined;
+  job.target = goal.appliedTo(isUnderWay && job.phase != Phase::Watching ? job.target : now->frame());
+  {
+    const ns::LockGuard guard(shared_->lock);
+    shared_->underWay[client] = job.target;
+  }
+  if (isUnderWay && job.phase == Phase::Restoring) return true;
+  job.requests = 0;
+  if (now->frame() == job.target) return arrived(client, job);
+  if (!now->isConfined()) return ask(client, job, *now);
+  requestUnconfined(*connection_, atoms_, client, *now);
+  job.phase = Phase::Restoring;
+  job.wasConfined = true;
+  job.deadline = Clock::now() + kRestoring;
+  return true;
+}
+
+bool Placement::advance(xcb_window_t client, Job& job, bool timedOut) {
+  const auto now = GeometryRequest(*connection_, atoms_, client).receive();
+  if (!now || (timedOut && job.phase == Phase::Watching)) return finish(client);
+  if (job.phase == Phase::Restoring) return (now->isConfined() && !timedOut) || ask(client, job, *now);
+  if (now->frame() == job.target) return job.phase == Phase::Watching || arrived(client, job);
+  if (!sameExtents(*now, job.asked) && job.requests < kMostRequests) return ask(client, job, *now);
+  if (job.phase == Phase::Watching) return true;
+  if (!timedOut) {
+    job.deadline = Clock::now() + kQuiet;
+    return true;
+  }
+  if (job.requests == 1 && !isAsGoodAsItGets(client, job, *now)) return ask(client, job, *now);
+  return arrived(client, job);
+}
+
+bool Placement::ask(xcb_window_t client, Job& job, const WindowGeometry& now) {
+  requestMoveResize(*connection_, atoms_, client, requestForFrame(job.target, now.decoration, now.shadow));
+  job.phase = Phase::Verifying;
+  job.asked = now;
+  ++job.requests;
+  job.deadline = Clock::now() + kAnswering;
+  return true;
+}
+
+bool Placement::arrived(xcb_window_t client, Job& job) {
+  if (!job.wasConfined) return finish(client);
+  job.phase = Phase::Watching;
+  job.deadline = Clock::now() + kWatching;
+  const ns::LockGuard guard(shared_->lock);
+  shared_->underWay.erase(client);
+  return true;
+}
+
+bool Placement::finish(xcb_window_t client) {
+  const std::uint32_t none = XCB_EVENT_MASK_NO_EVENT;
+  xcb_change_window_attributes(connection_->get(), client, XCB_CW_EVENT_MASK, &none);
+  const ns::LockGuard guard(shared_->lock);
+  shared_->underWay.erase(client);
+  return false;
+}
+
+bool Placement::isAsGoodAsItGets(xcb_window_t client, const Job& job, const WindowGeometry& now) const {
+  const Rect frame = now.frame();
+  if (frame.x != job.target.x || frame.y != job.target.y) return false;
+  const Rect wanted = requestForFrame(job.target, now.decoration, now.shadow);
+  auto hints =
+      propertyItems(receiveProperty(*connection_, requestProperty(*connection_, client, XCB_ATOM_WM_NORMAL_HINTS)));
+  hints.resize(18);
+  const auto hint = [&hints](std::uint32_t flag, std::size_t index) {
+    return (hints[0] & flag) != 0 ? static_cast<int>(std::min(hints[index], 0x7fffU)) : 0;
+  };
+  // Flags and places of the ICCCM: minimum 16, maximum 32, increment 64, aspect ratio 128.
+  const bool keepsAspect = (hints[0] & 128) != 0;
+  return keepsAspect || (isLimited(wanted.width, now.client.width, hint(64, 9), hint(16, 5), hint(32, 7)) &&
+                         isLimited(wanted.height, now.client.height, hint(64, 10), hint(16, 6), hint(32, 8)));
+}
+
+int Placement::untilNextDeadline() const {
+  if (jobs_.empty()) return -1;
+  const auto first = std::min_element(jobs_.begin(), jobs_.end(), [](const auto& one, const auto& other) {
+    return one.second.deadline < other.second.deadline;
+  });
+  const auto left = std::chrono::ceil<milliseconds>(first->second.deadline - Clock::now());
+  return static_cast<int>(std::max(left.count(), milliseconds::rep{0}));
+}
+
+}  // namespace x11

@@ -1,0 +1,60 @@
+#include "platform/linux/x11/Requests.h"
+
+#include <algorithm>
+#include <array>
+
+namespace x11 {
+
+namespace {
+
+/// Of a pager: window managers obey it where they would suspect an application of stealing the focus.
+constexpr std::uint32_t kSourcePager = 2;
+
+void sendToWindowManager(const Connection& connection, xcb_window_t window, xcb_atom_t type,
+                         const std::array<std::uint32_t, 5>& data) {
+  xcb_client_message_event_t message{};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = type;
+  std::copy(data.begin(), data.end(), std::begin(message.data.data32));
+  xcb_send_event(connection.get(), 0, connection.root(),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                 reinterpret_cast<const char*>(&message));
+}
+
+}  // namespace
+
+void requestMoveResize(const Connection& connection, const Atoms& atoms, xcb_window_t client, const Rect& request) {
+  // Always all four values and always this gravity: with x alone several window managers shift y, and with the window's
+  // own gravity some toolkits' windows land off by the decoration.
+  constexpr std::uint32_t kAllFour = 0xf << 8;
+  sendToWindowManager(connection, client, atoms.netMoveresizeWindow,
+                      {XCB_GRAVITY_NORTH_WEST | kAllFour | kSourcePager << 12, static_cast<std::uint32_t>(request.x),
+                       static_cast<std::uint32_t>(request.y), static_cast<std::uint32_t>(std::max(request.width, 1)),
+                       static_cast<std::uint32_t>(std::max(request.height, 1))});
+}
+
+void requestUnconfined(const Connection& connection, const Atoms& atoms, xcb_window_t client,
+                       const WindowGeometry& geometry) {
+  const auto remove = [&](xcb_atom_t one, xcb_atom_t other) {
+    constexpr std::uint32_t kRemove = 0;
+    sendToWindowManager(connection, client, atoms.netWmState, {kRemove, one, other, kSourcePager, 0});
+  };
+  if (geometry.fullscreen) remove(atoms.netWmStateFullscreen, XCB_ATOM_NONE);
+  if (geometry.shaded) remove(atoms.netWmStateShaded, XCB_ATOM_NONE);
+  if (geometry.maximizedHorizontally || geometry.maximizedVertically) {
+    remove(atoms.netWmStateMaximizedHorz, atoms.netWmStateMaximizedVert);
+  }
+}
+
+void requestIconify(const Connection& connection, const Atoms& atoms, xcb_window_t client) {
+  constexpr std::uint32_t kIconicState = 3;
+  sendToWindowManager(connection, client, atoms.wmChangeState, {kIconicState, 0, 0, 0, 0});
+}
+
+void requestActivate(const Connection& connection, const Atoms& atoms, xcb_window_t client) {
+  sendToWindowManager(connection, client, atoms.netActiveWindow, {kSourcePager, XCB_CURRENT_TIME, 0, 0, 0});
+}
+
+}  // namespace x11

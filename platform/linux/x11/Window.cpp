@@ -1,0 +1,140 @@
+#include "platform/linux/x11/Window.h"
+
+#include <xcb/res.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "platform/linux/x11/Properties.h"
+
+namespace x11 {
+
+namespace {
+
+// _MOTIF_WM_HINTS: flags, functions, decorations, …
+constexpr std::uint32_t kMotifHasFunctions = 1;
+constexpr std::uint32_t kMotifHasDecorations = 2;
+// In functions and decorations alike, bit 0 turns the meaning of all others round.
+constexpr std::uint32_t kMotifAll = 1;
+constexpr std::uint32_t kMotifFunctionMinimize = 8;
+constexpr std::uint32_t kMotifDecorationMinimize = 32;
+
+bool motifAllows(std::uint32_t bits, std::uint32_t bit) { return ((bits & kMotifAll) != 0) != ((bits & bit) != 0); }
+
+Extents extentsFrom(const std::vector<std::uint32_t>& items) {
+  if (items.size() < 4) return {};
+  // Decorations beyond any screen are somebody's garbage, and would overflow the arithmetic.
+  if (std::any_of(items.begin(), items.begin() + 4, [](std::uint32_t item) { return item > 0x7fff; })) return {};
+  return {static_cast<int>(items[0]), static_cast<int>(items[1]), static_cast<int>(items[2]),
+          static_cast<int>(items[3])};
+}
+
+bool contains(const std::vector<std::uint32_t>& items, std::uint32_t item) {
+  return std::find(items.begin(), items.end(), item) != items.end();
+}
+
+}  // namespace
+
+MinimizeButton WindowProperties::minimizeButton() const {
+  if (isTransient || !isNormalType || !decorationHasMinimize) return MinimizeButton::Missing;
+  return functionsHaveMinimize && minimizeIsAllowed.value_or(true) ? MinimizeButton::Enabled : MinimizeButton::Disabled;
+}
+
+GeometryRequest::GeometryRequest(const Connection& connection, const Atoms& atoms, xcb_window_t client)
+    : connection_(connection),
+      atoms_(atoms),
+      size_(xcb_get_geometry(connection.get(), client)),
+      position_(xcb_translate_coordinates(connection.get(), client, connection.root(), 0, 0)),
+      decoration_(requestProperty(connection, client, atoms.netFrameExtents)),
+      shadow_(requestProperty(connection, client, atoms.gtkFrameExtents)),
+      state_(requestProperty(connection, client, atoms.netWmState)) {}
+
+std::optional<WindowGeometry> GeometryRequest::receive() {
+  const auto size = connection_.reply(xcb_get_geometry_reply, size_);
+  const auto position = connection_.reply(xcb_translate_coordinates_reply, position_);
+  WindowGeometry geometry;
+  geometry.decoration = extentsFrom(propertyItems(receiveProperty(connection_, decoration_)));
+  const std::vector<std::uint32_t> shadow = propertyItems(receiveProperty(connection_, shadow_));
+  geometry.shadow = extentsFrom(shadow);
+  geometry.drawsShadow = !shadow.empty();
+  const std::vector<std::uint32_t> states = propertyItems(receiveProperty(connection_, state_));
+  if (!size || !position) return std::nullopt;
+  geometry.client = {position->dst_x, position->dst_y, size->width, size->height};
+  geometry.maximizedHorizontally = contains(states, atoms_.netWmStateMaximizedHorz);
+  geometry.maximizedVertically = contains(states, atoms_.netWmStateMaximizedVert);
+  geometry.fullscreen = contains(states, atoms_.netWmStateFullscreen);
+  geometry.shaded = contains(states, atoms_.netWmStateShaded);
+  return geometry;
+}
+
+PropertiesRequest::PropertiesRequest(const Connection& connection, const Atoms& atoms, xcb_window_t client)
+    : connection_(connection),
+      atoms_(atoms),
+      wmState_(requestProperty(connection, client, atoms.wmState)),
+      transientFor_(requestProperty(connection, client, XCB_ATOM_WM_TRANSIENT_FOR)),
+      type_(requestProperty(connection, client, atoms.netWmWindowType)),
+      motif_(requestProperty(connection, client, atoms.motifWmHints)),
+      allowed_(requestProperty(connection, client, atoms.netWmAllowedActions)),
+      class_(requestProperty(connection, client, XCB_ATOM_WM_CLASS, 256)),
+      gtkApplicationId_(requestProperty(connection, client, atoms.gtkApplicationId, 256)),
+      title_(requestProperty(connection, client, atoms.netWmName, 256)) {}
+
+WindowProperties PropertiesRequest::receive() {
+  WindowProperties properties;
+  if (const auto state = propertyItems(receiveProperty(connection_, wmState_)); !state.empty()) {
+    properties.wmState = state[0];
+  }
+  // A window that is transient for none or for the root is so for its whole group.
+  properties.isTransient = !propertyItems(receiveProperty(connection_, transientFor_)).empty();
+  const auto types = propertyItems(receiveProperty(connection_, type_));
+  properties.isNormalType = types.empty() || contains(types, atoms_.netWmWindowTypeNormal);
+  if (const auto motif = propertyItems(receiveProperty(connection_, motif_)); motif.size() >= 3) {
+    if ((motif[0] & kMotifHasFunctions) != 0) {
+      properties.functionsHaveMinimize = motifAllows(motif[1], kMotifFunctionMinimize);
+    }
+    if ((motif[0] & kMotifHasDecorations) != 0) {
+      properties.isDecorated = motif[2] != 0;
+      // Toolkits draw their own buttons in a window without decoration.
+      properties.decorationHasMinimize = motif[2] == 0 || motifAllows(motif[2], kMotifDecorationMinimize);
+    }
+  }
+  if (const auto allowed = receiveProperty(connection_, allowed_); allowed && allowed->format == 32) {
+    properties.minimizeIsAllowed = contains(propertyItems(allowed), atoms_.netWmActionMinimize);
+  }
+  const std::string names = propertyText(receiveProperty(connection_, class_));
+  const std::size_t end = std::min(names.find('\0'), names.size());
+  properties.windowInstance = names.substr(0, end);
+  if (end < names.size()) properties.windowClass = names.substr(end + 1, names.find('\0', end + 1) - end - 1);
+  properties.gtkApplicationId = propertyText(receiveProperty(connection_, gtkApplicationId_));
+  properties.title = propertyText(receiveProperty(connection_, title_));
+  return properties;
+}
+
+pid_t processOfWindow(const Connection& connection, const Atoms& atoms, xcb_window_t window) {
+  const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+  const auto claimed = requestProperty(connection, window, atoms.netWmPid);
+  const auto reply =
+      connection.reply(xcb_res_query_client_ids_reply, xcb_res_query_client_ids(connection.get(), 1, &spec));
+  const auto claim = propertyItems(receiveProperty(connection, claimed));
+  if (reply) {
+    for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0;
+         xcb_res_client_id_value_next(&ids)) {
+      if ((ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+          xcb_res_client_id_value_value_length(ids.data) > 0) {
+        return static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data));
+      }
+    }
+  }
+  return claim.empty() ? 0 : static_cast<pid_t>(claim[0]);
+}
+
+std::optional<xcb_window_t> rootChildOf(const Connection& connection, xcb_window_t window) {
+  for (xcb_window_t current = window;;) {
+    const auto tree = connection.reply(xcb_query_tree_reply, xcb_query_tree(connection.get(), current));
+    if (!tree || tree->parent == XCB_WINDOW_NONE) return std::nullopt;
+    if (tree->parent == connection.root()) return current;
+    current = tree->parent;
+  }
+}
+
+}  // namespace x11

@@ -1,0 +1,55 @@
+// What is known about one window manager: how to tell which of its windows is which title-bar button.
+//
+// To teach Ostrel another one: write a file beside this one with a class that answers roleOf, and name it in the table
+// in Registry.cpp.
+#pragma once
+
+#include <sys/types.h>
+#include <xcb/xcb.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/linux/atspi/TitleBarButtons.h"
+#include "platform/linux/x11/Connection.h"
+
+namespace x11 {
+
+using ButtonRole = atspi::ButtonRole;
+
+/// What lies under the pointer, as the X server nests it.
+struct ButtonPath {
+  const Connection& connection;
+  /// The process of the window manager; 0 when unknown.
+  pid_t windowManagerPid = 0;
+  /// From the frame, a child of the root window, down to the deepest window. Never empty.
+  std::vector<xcb_window_t> windows;
+  /// The children of the deepest window's parent, the bottommost first; the deepest window is one of them.
+  std::vector<xcb_window_t> siblings;
+
+  xcb_window_t leaf() const { return windows.back(); }
+  /// Where the leaf stands among its siblings; the number of siblings when it is not there any more.
+  std::size_t index() const;
+};
+
+/// Stateless; may ask the X server, never another process. Main thread only.
+class WindowManager {
+ public:
+  virtual ~WindowManager() = default;
+  /// None when the deepest window is no button that Ostrel knows, or nothing certain can be told.
+  virtual std::optional<ButtonRole> roleOf(const ButtonPath& path) const = 0;
+};
+
+/// The knowledge of the window manager that calls itself `name`; null when there is none, as for those that draw their
+/// buttons without windows of their own. Any thread.
+const WindowManager* windowManagerNamed(std::string_view name);
+
+// One for each file beside this one.
+const WindowManager& openbox();
+const WindowManager& xfwm4();
+const WindowManager& fluxbox();
+const WindowManager& iceWM();
+
+}  // namespace x11

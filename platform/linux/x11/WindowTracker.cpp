@@ -1,0 +1,313 @@
+#include "platform/linux/x11/WindowTracker.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "platform/linux/x11/Properties.h"
+
+namespace x11 {
+
+namespace {
+
+// The high bit only tells that another client sent the event.
+std::uint8_t typeOf(const xcb_generic_event_t& event) { return event.response_type & 0x7f; }
+
+template <typename T>
+const T& as(const xcb_generic_event_t& event) {
+  return reinterpret_cast<const T&>(event);
+}
+
+void select(const Connection& connection, xcb_window_t window, std::uint32_t mask) {
+  xcb_change_window_attributes(connection.get(), window, XCB_CW_EVENT_MASK, &mask);
+}
+
+std::vector<std::uint32_t> readItems(const Connection& connection, xcb_window_t window, xcb_atom_t property) {
+  constexpr std::uint32_t kUnlimited = 1U << 20;
+  return propertyItems(receiveProperty(connection, requestProperty(connection, window, property, kUnlimited)));
+}
+
+}  // namespace
+
+WindowTracker::WindowTracker(std::unique_ptr<Connection> connection)
+    : connection_(std::move(connection)), atoms_(*connection_) {}
+
+WindowTracker::~WindowTracker() { stop(); }
+
+void WindowTracker::start() {
+  // Selecting first and reading afterwards: a change in between is seen twice rather than never.
+  select(*connection_, connection_->root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+  refreshDirty();
+  thread_ = std::thread([this] { run(); });
+}
+
+void WindowTracker::stop() {
+  if (!thread_.joinable()) return;
+  stop_.signal();
+  thread_.join();
+}
+
+void WindowTracker::run() {
+  for (;;) {
+    while (const Event event = connection_->pollEvent()) handle(*event);
+    if (connection_->isBroken()) {
+      if (lossHandler_) lossHandler_();
+      return;
+    }
+    if (windowManagerDirty_ || clientsDirty_ || stackingDirty_ || !frameDirty_.empty() || !geometryDirty_.empty() ||
+        !propertiesDirty_.empty()) {
+      // Only now, so that a hundred moves of a window that is being dragged are asked about once. The replies may bring
+      // further events along, hence no waiting yet.
+      refreshDirty();
+      continue;
+    }
+    connection_->flush();
+    std::array<pollfd, 2> descriptors{pollfd{connection_->fileDescriptor(), POLLIN, 0},
+                                      pollfd{stop_.fileDescriptor(), POLLIN, 0}};
+    poll(descriptors.data(), descriptors.size(), -1);
+    if (descriptors[1].revents != 0) return;
+  }
+}
+
+void WindowTracker::handle(const xcb_generic_event_t& event) {
+  switch (typeOf(event)) {
+    case XCB_PROPERTY_NOTIFY:
+      handleProperty(as<xcb_property_notify_event_t>(event));
+      break;
+    case XCB_CONFIGURE_NOTIFY: {
+      const auto& configure = as<xcb_configure_notify_event_t>(event);
+      if (configure.event == connection_->root()) {
+        markFrameDirty(configure.window);
+      } else {
+        geometryDirty_.insert(configure.window);
+      }
+      break;
+    }
+    case XCB_REPARENT_NOTIFY: {
+      const auto& reparent = as<xcb_reparent_notify_event_t>(event);
+      if (reparent.event == reparent.window) frameDirty_.insert(reparent.window);
+      break;
+    }
+    case XCB_DESTROY_NOTIFY: {
+      const auto& destroy = as<xcb_destroy_notify_event_t>(event);
+      if (destroy.event != destroy.window) break;
+      if (destroy.window == checkWindow_) windowManagerDirty_ = true;
+      remove(destroy.window);
+      break;
+    }
+    default:
+      break;
+  }
+}
+
+void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
+  if (event.window == connection_->root()) {
+    if (event.atom == atoms_.netClientList) clientsDirty_ = true;
+    if (event.atom == atoms_.netClientListStacking) stackingDirty_ = true;
+    if (event.atom == atoms_.netSupportingWmCheck) windowManagerDirty_ = true;
+    return;
+  }
+  if (event.window == checkWindow_) {
+    if (event.atom == atoms_.netWmName) windowManagerDirty_ = true;
+    return;
+  }
+  const auto is = [&event](const auto&... atoms) { return ((event.atom == atoms) || ...); };
+  if (is(atoms_.netFrameExtents, atoms_.gtkFrameExtents, atoms_.netWmState)) {
+    geometryDirty_.insert(event.window);
+  } else if (is(atoms_.wmState, XCB_ATOM_WM_TRANSIENT_FOR, atoms_.netWmWindowType, atoms_.motifWmHints,
+                atoms_.netWmAllowedActions, XCB_ATOM_WM_CLASS, atoms_.gtkApplicationId)) {
+    propertiesDirty_.insert(event.window);
+  } else if (event.atom == atoms_.netWmName) {
+    // Terminals change their titles all day; only for a window that draws its own title bar does it matter.
+    const ns::LockGuard guard(lock_);
+    const auto found = windows_.find(event.window);
+    if (found != windows_.end() && found->second.drawsItsTitleBar()) propertiesDirty_.insert(event.window);
+  }
+}
+
+void WindowTracker::refreshDirty() {
+  if (std::exchange(windowManagerDirty_, false)) refreshWindowManager();
+  if (std::exchange(clientsDirty_, false)) refreshClients();
+  if (std::exchange(stackingDirty_, false)) refreshStacking();
+
+  for (const xcb_window_t client : std::exchange(frameDirty_, {})) {
+    const auto frame = rootChildOf(*connection_, client);
+    if (!frame) continue;
+    const ns::LockGuard guard(lock_);
+    const auto found = windows_.find(client);
+    if (found == windows_.end()) continue;
+    forgetFrame(found->second);
+    found->second.frame = *frame;
+    clientOfFrame_[*frame] = client;
+    geometryDirty_.insert(client);
+  }
+
+  for (const xcb_window_t client : std::exchange(geometryDirty_, {})) {
+    const auto geometry = GeometryRequest(*connection_, atoms_, client).receive();
+    Window changed;
+    {
+      const ns::LockGuard guard(lock_);
+      const auto found = windows_.find(client);
+      if (!geometry || found == windows_.end() || found->second.geometry == *geometry) continue;
+      found->second.geometry = *geometry;
+      changed = found->second;
+    }
+    notify(WindowChange::Geometry, changed);
+  }
+
+  for (const xcb_window_t client : std::exchange(propertiesDirty_, {})) {
+    const WindowProperties properties = PropertiesRequest(*connection_, atoms_, client).receive();
+    Window changed;
+    {
+      const ns::LockGuard guard(lock_);
+      const auto found = windows_.find(client);
+      if (found == windows_.end() || found->second.properties == properties) continue;
+      found->second.properties = properties;
+      changed = found->second;
+    }
+    notify(WindowChange::Properties, changed);
+  }
+}
+
+void WindowTracker::refreshWindowManager() {
+  RunningWindowManager manager;
+  const auto check = readItems(*connection_, connection_->root(), atoms_.netSupportingWmCheck);
+  const xcb_window_t window = check.empty() ? xcb_window_t{XCB_WINDOW_NONE} : check[0];
+  if (window != XCB_WINDOW_NONE) {
+    if (window != checkWindow_) {
+      select(*connection_, window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    }
+    // A window manager that was killed leaves the root's property behind; only a check window that names itself counts.
+    if (readItems(*connection_, window, atoms_.netSupportingWmCheck) == std::vector<std::uint32_t>{window}) {
+      manager.name =
+          propertyText(receiveProperty(*connection_, requestProperty(*connection_, window, atoms_.netWmName)));
+      manager.pid = processOfWindow(*connection_, atoms_, window);
+    }
+  }
+  checkWindow_ = window;
+  const ns::LockGuard guard(lock_);
+  windowManager_ = std::move(manager);
+}
+
+void WindowTracker::refreshClients() {
+  const auto listed = readItems(*connection_, connection_->root(), atoms_.netClientList);
+  const std::set<xcb_window_t> current(listed.begin(), listed.end());
+  std::set<xcb_window_t> known;
+  {
+    const ns::LockGuard guard(lock_);
+    for (const auto& [client, window] : windows_) known.insert(client);
+  }
+  for (const xcb_window_t client : known) {
+    if (!current.contains(client)) {
+      select(*connection_, client, XCB_EVENT_MASK_NO_EVENT);
+      remove(client);
+    }
+  }
+  for (const xcb_window_t client : current) {
+    if (!known.contains(client)) add(client);
+  }
+}
+
+void WindowTracker::refreshStacking() {
+  auto stacking = readItems(*connection_, connection_->root(), atoms_.netClientListStacking);
+  const ns::LockGuard guard(lock_);
+  stacking_ = std::move(stacking);
+}
+
+void WindowTracker::add(xcb_window_t client) {
+  select(*connection_, client, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+  Window window;
+  window.client = client;
+  GeometryRequest geometry(*connection_, atoms_, client);
+  PropertiesRequest properties(*connection_, atoms_, client);
+  window.properties = properties.receive();
+  const auto known = geometry.receive();
+  const auto frame = rootChildOf(*connection_, client);
+  // Listed, but gone already.
+  if (!known || !frame) return;
+  window.geometry = *known;
+  window.frame = *frame;
+  window.pid = processOfWindow(*connection_, atoms_, client);
+  {
+    const ns::LockGuard guard(lock_);
+    windows_[client] = window;
+    clientOfFrame_[*frame] = client;
+  }
+  notify(thread_.joinable() ? WindowChange::Added : WindowChange::Present, window);
+}
+
+void WindowTracker::remove(xcb_window_t client) {
+  frameDirty_.erase(client);
+  geometryDirty_.erase(client);
+  propertiesDirty_.erase(client);
+  Window removed;
+  {
+    const ns::LockGuard guard(lock_);
+    const auto found = windows_.find(client);
+    if (found == windows_.end()) return;
+    removed = std::move(found->second);
+    windows_.erase(found);
+    forgetFrame(removed);
+  }
+  notify(WindowChange::Removed, removed);
+}
+
+void WindowTracker::forgetFrame(const Window& window) {
+  const auto frame = clientOfFrame_.find(window.frame);
+  // The number may have become another window's already.
+  if (frame != clientOfFrame_.end() && frame->second == window.client) clientOfFrame_.erase(frame);
+}
+
+void WindowTracker::markFrameDirty(xcb_window_t rootChild) {
+  const ns::LockGuard guard(lock_);
+  if (const auto found = clientOfFrame_.find(rootChild); found != clientOfFrame_.end()) {
+    geometryDirty_.insert(found->second);
+  }
+}
+
+void WindowTracker::notify(WindowChange change, const Window& window) const {
+  for (const Observer& observer : observers_) observer(change, window);
+}
+
+std::optional<Window> WindowTracker::window(xcb_window_t client) const {
+  const ns::LockGuard guard(lock_);
+  const auto found = windows_.find(client);
+  return found == windows_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<Window> WindowTracker::windowOfFrame(xcb_window_t rootChild) const {
+  const ns::LockGuard guard(lock_);
+  const auto frame = clientOfFrame_.find(rootChild);
+  if (frame == clientOfFrame_.end()) return std::nullopt;
+  const auto found = windows_.find(frame->second);
+  return found == windows_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<Window> WindowTracker::windows() const {
+  const ns::LockGuard guard(lock_);
+  std::vector<Window> windows;
+  windows.reserve(windows_.size());
+  for (const xcb_window_t client : stacking_) {
+    if (const auto found = windows_.find(client); found != windows_.end()) windows.push_back(found->second);
+  }
+  // The stacking list may lag behind the client list.
+  for (const auto& [client, window] : windows_) {
+    if (std::find(stacking_.begin(), stacking_.end(), client) == stacking_.end()) windows.push_back(window);
+  }
+  return windows;
+}
+
+std::vector<Window> WindowTracker::windowsOfProcess(pid_t pid) const {
+  std::vector<Window> all = windows();
+  std::erase_if(all, [pid](const Window& window) { return window.pid != pid; });
+  return all;
+}
+
+RunningWindowManager WindowTracker::windowManager() const {
+  const ns::LockGuard guard(lock_);
+  return windowManager_;
+}
+
+}  // namespace x11

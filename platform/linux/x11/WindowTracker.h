@@ -1,0 +1,98 @@
+// Every managed window and the window manager itself, kept current by events.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/Lock.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Wakeup.h"
+#include "platform/linux/x11/Window.h"
+
+namespace x11 {
+
+/// Present: it was there already when the tracker started.
+enum class WindowChange { Present, Added, Removed, Geometry, Properties };
+
+struct RunningWindowManager {
+  /// As it calls itself; empty while none runs.
+  std::string name;
+  pid_t pid = 0;
+  friend bool operator==(const RunningWindowManager&, const RunningWindowManager&) = default;
+};
+
+/// Follows the desktop on a connection and a thread of its own. Answers come from memory, on any thread.
+class WindowTracker {
+ public:
+  /// Called on the tracker's thread, with the window as it is after the change (or was before its removal), and without
+  /// the tracker's lock.
+  using Observer = std::function<void(WindowChange, const Window&)>;
+  /// Called on the tracker's thread, which ends afterwards, when the X server has gone.
+  using LossHandler = std::function<void()>;
+
+  /// Takes a connection that nobody else reads events from. Nothing is known before `start`.
+  explicit WindowTracker(std::unique_ptr<Connection> connection);
+  ~WindowTracker();
+  WindowTracker(const WindowTracker&) = delete;
+  WindowTracker& operator=(const WindowTracker&) = delete;
+
+  /// Before `start` only.
+  void observe(Observer observer) { observers_.push_back(std::move(observer)); }
+  void onLoss(LossHandler handler) { lossHandler_ = std::move(handler); }
+  /// Reads the desktop as it is now, reporting its windows to the observers on this thread, and then follows it.
+  void start();
+  /// Ends the thread; no call of an observer follows.
+  void stop();
+
+  std::optional<Window> window(xcb_window_t client) const;
+  /// The managed window inside a child of the root window.
+  std::optional<Window> windowOfFrame(xcb_window_t rootChild) const;
+  /// The bottommost first.
+  std::vector<Window> windows() const;
+  std::vector<Window> windowsOfProcess(pid_t pid) const;
+  RunningWindowManager windowManager() const;
+
+ private:
+  void run();
+  void handle(const xcb_generic_event_t& event);
+  void handleProperty(const xcb_property_notify_event_t& event);
+  void refreshWindowManager();
+  void refreshClients();
+  void refreshStacking();
+  void refreshDirty();
+  void add(xcb_window_t client);
+  void remove(xcb_window_t client);
+  void forgetFrame(const Window& window) REQUIRES(lock_);
+  void markFrameDirty(xcb_window_t rootChild);
+  void notify(WindowChange change, const Window& window) const;
+
+  const std::unique_ptr<Connection> connection_;
+  const Atoms atoms_;
+  std::vector<Observer> observers_;
+  LossHandler lossHandler_;
+  Wakeup stop_;
+  std::thread thread_;
+
+  // Of the tracker's thread.
+  xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
+  bool windowManagerDirty_ = true;
+  bool clientsDirty_ = true;
+  bool stackingDirty_ = true;
+  std::set<xcb_window_t> frameDirty_;
+  std::set<xcb_window_t> geometryDirty_;
+  std::set<xcb_window_t> propertiesDirty_;
+
+  mutable ns::Lock lock_;
+  std::unordered_map<xcb_window_t, Window> windows_ GUARDED_BY(lock_);
+  std::unordered_map<xcb_window_t, xcb_window_t> clientOfFrame_ GUARDED_BY(lock_);
+  std::vector<xcb_window_t> stacking_ GUARDED_BY(lock_);
+  RunningWindowManager windowManager_ GUARDED_BY(lock_);
+};
+
+}  // namespace x11

@@ -1,0 +1,127 @@
+#include "platform/linux/x11/X11Desktop.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <utility>
+
+#include "platform/Diagnostics.h"
+#include "platform/linux/freedesktop/Consent.h"
+#include "platform/linux/x11/EventTap.h"
+
+namespace x11 {
+
+namespace {
+
+[[noreturn]] void endWithoutServer() {
+  std::cerr << "ostrel: " << ns::desktopUnavailableReason().value_or("the X server takes no more connections") << '\n';
+  std::exit(1);
+}
+
+/// On one of the worker threads, any of which may notice first: the others, and the main thread, are left where they
+/// are. Everything worth keeping has been written the moment it was changed.
+[[noreturn]] void endAfterLoss() {
+  constexpr std::string_view kMessage = "ostrel: the X server has gone\n";
+  [[maybe_unused]] const auto written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
+  _exit(1);
+}
+
+CGRect boxed(const Rect& rect) { return CGRectMake(rect.x, rect.y, rect.width, rect.height); }
+
+}  // namespace
+
+X11Desktop& X11Desktop::shared() {
+  static X11Desktop desktop(
+      [] {
+        Connections connections{Connection::open(), Connection::open(), Connection::open()};
+        if (!connections.questions || !connections.tracking || !connections.placement) endWithoutServer();
+        return connections;
+      }(),
+      endAfterLoss);
+  return desktop;
+}
+
+X11Desktop::X11Desktop(Connections connections, std::function<void()> onLoss)
+    : connection_(std::move(connections.questions)),
+      identity_(freedesktop::DesktopEntries::shared()),
+      displays_(*connection_),
+      titleBarButtons_([](std::uint32_t) {}),
+      tracker_(std::move(connections.tracking)),
+      hiding_(*connection_, tracker_),
+      applications_(tracker_, identity_),
+      placement_(std::move(connections.placement)),
+      elements_(*connection_, tracker_, placement_, hiding_,
+                [this](xcb_window_t client) { return titleBarButtons_.buttons(client); }) {
+  // Monitors that are only declared to the server announce themselves by nothing but a change of the root window.
+  const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+  xcb_change_window_attributes(connection_->get(), connection_->root(), XCB_CW_EVENT_MASK, &mask);
+  connection_->flush();
+  tracker_.observe([this](WindowChange change, const Window& window) { tellOfTitleBar(change, window); });
+  tracker_.onLoss(std::move(onLoss));
+  tracker_.start();
+}
+
+X11Desktop::~X11Desktop() { tracker_.stop(); }
+
+void X11Desktop::tellOfTitleBar(WindowChange change, const Window& window) {
+  if (change == WindowChange::Removed || !window.drawsItsTitleBar() || !window.properties.isNormalType) {
+    titleBarButtons_.remove(window.client);
+    return;
+  }
+  const WindowGeometry& geometry = window.geometry;
+  titleBarButtons_.update({window.client, window.pid, boxed(geometry.frame()), boxed(geometry.client),
+                           geometry.maximizedHorizontally || geometry.maximizedVertically || geometry.fullscreen,
+                           window.properties.title});
+}
+
+bool X11Desktop::isProcessTrusted() { return freedesktop::Consent::shared().isTrusted(); }
+void X11Desktop::promptForTrust() { freedesktop::Consent::shared().prompt(); }
+
+desktop::Element X11Desktop::systemWideElement() { return Elements::systemWide(); }
+desktop::Element X11Desktop::applicationElement(pid_t pid) { return Elements::application(pid); }
+AXError X11Desktop::elementAtPosition(CGPoint position, desktop::Element& element) {
+  return elements_.atPosition(position, element);
+}
+AXError X11Desktop::attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) {
+  return elements_.attribute(element, name, value);
+}
+AXError X11Desktop::setAttribute(const desktop::Element& element, std::string_view name, const desktop::Value& value) {
+  return elements_.setAttribute(element, name, value);
+}
+AXError X11Desktop::processIdentifier(const desktop::Element& element, pid_t& pid) {
+  return elements_.processIdentifier(element, pid);
+}
+
+std::unique_ptr<desktop::EventTap> X11Desktop::createEventTap(CGEventMask mask, desktop::EventTapHandler handler) {
+  return EventTap::create(mask, std::move(handler), [this](xcb_window_t rootChild, CGPoint position) {
+    return elements_.mayHitButton(rootChild, position);
+  });
+}
+
+DisplayList& X11Desktop::currentDisplays() {
+  while (const Event event = connection_->pollEvent()) displays_.handleEvent(*event);
+  return displays_;
+}
+
+CGError X11Desktop::activeDisplays(std::vector<CGDirectDisplayID>& displays) {
+  displays = currentDisplays().activeDisplays();
+  return kCGErrorSuccess;
+}
+
+std::optional<desktop::Display> X11Desktop::display(CGDirectDisplayID identifier) {
+  const Monitor* monitor = currentDisplays().monitor(identifier);
+  return monitor == nullptr ? std::nullopt : std::optional(monitor->display);
+}
+
+std::vector<desktop::Screen> X11Desktop::screens() { return currentDisplays().screens(); }
+
+std::vector<desktop::Application> X11Desktop::runningApplications() { return applications_.running(); }
+bool X11Desktop::hideApplication(pid_t pid) { return hiding_.hide(pid); }
+void X11Desktop::observeApplications(std::function<void(desktop::ApplicationChange, pid_t)> observer) {
+  applications_.observe(std::move(observer));
+}
+
+}  // namespace x11
+
+desktop::Desktop& desktop::Desktop::current() { return x11::X11Desktop::shared(); }

@@ -1,0 +1,257 @@
+// Frames, moves, hiding and window managers that come and go, with real window managers.
+#include <atomic>
+
+#include "platform/linux/x11/Applications.h"
+#include "platform/linux/x11/Placement.h"
+#include "tests/linux/Desk.h"
+
+namespace {
+
+using support::Desk;
+using support::ManagedWindow;
+using x11::Rect;
+
+constexpr Rect kFill{32, 56, 1376, 812};
+
+class Windows : public testing::TestWithParam<const char*> {
+ protected:
+  Desk desk{GetParam()};
+
+  void fill(xcb_window_t client) {
+    desk.set(client, "AXPosition", CGPointMake(kFill.x, kFill.y));
+    desk.set(client, "AXSize", CGSizeMake(kFill.width, kFill.height));
+    desk.set(client, "AXPosition", CGPointMake(kFill.x, kFill.y));
+  }
+  bool reaches(xcb_window_t client, const Rect& frame) {
+    const bool reached = desk.waitFor([&] { return desk.frameOf(client) == frame; });
+    const Rect now = desk.frameOf(client);
+    EXPECT_TRUE(reached) << now.x << ',' << now.y << ' ' << now.width << 'x' << now.height;
+    return reached;
+  }
+  bool isIconic(xcb_window_t client) { return desk.windowOf(client).properties.isIconic(); }
+};
+
+TEST_P(Windows, GoWhereTheyAreWanted) {
+  ManagedWindow window(300, 200, 400, 300);
+  const xcb_window_t client = window.window();
+  const Rect before = desk.manage(window).geometry.frame();
+  fill(client);
+  // Nothing has been asked of anybody yet, but whoever reads now reckons with the outcome.
+  desktop::Value size;
+  ASSERT_EQ(desk.elements().attribute(x11::Elements::window(client), "AXSize", size), kAXErrorSuccess);
+  EXPECT_EQ(std::get<CGSize>(size).width, kFill.width);
+  EXPECT_EQ(desk.frameOf(client), before);
+  ASSERT_TRUE(reaches(client, kFill));
+  desk.set(client, "AXPosition", CGPointMake(100.4, 150.6));
+  EXPECT_TRUE(reaches(client, {100, 151, kFill.width, kFill.height}));
+}
+
+TEST_P(Windows, RestoredBeforeTheyAreMoved) {
+  ManagedWindow window(300, 200, 400, 300);
+  const xcb_window_t client = window.window();
+  desk.manage(window);
+  const std::pair<const char*, const char*> states[] = {{"MAXIMIZED_HORZ", "MAXIMIZED_VERT"},
+                                                        {"MAXIMIZED_VERT", ""},
+                                                        {"MAXIMIZED_HORZ", ""},
+                                                        {"FULLSCREEN", ""},
+                                                        {"SHADED", ""}};
+  for (const auto& [one, other] : states) {
+    desk.changeState(client, 1, one, other);
+    ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).geometry.isConfined(); })) << one;
+    fill(client);
+    ASSERT_TRUE(reaches(client, kFill)) << one;
+    EXPECT_FALSE(desk.windowOf(client).geometry.isConfined()) << one;
+    desk.set(client, "AXSize", CGSizeMake(500, 400));
+    ASSERT_TRUE(reaches(client, {kFill.x, kFill.y, 500, 400}));
+  }
+}
+
+TEST_P(Windows, ShadowsAreNotPartOfTheFrame) {
+  ManagedWindow window(300, 200, 452, 352);
+  window.setProperty("_MOTIF_WM_HINTS", window.connection().atom("_MOTIF_WM_HINTS"), {2, 0, 0, 0, 0});
+  window.setProperty("_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, {26, 26, 23, 29});
+  const xcb_window_t client = window.window();
+  window.map();
+  ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).properties.wmState == 1; }));
+  fill(client);
+  ASSERT_TRUE(reaches(client, kFill));
+  EXPECT_EQ(desk.windowOf(client).geometry.client, (Rect{6, 33, 1428, 864}));
+  // Its program draws another shadow in answer: the frame is still what counts.
+  desk.changeState(client, 1, "MAXIMIZED_HORZ", "MAXIMIZED_VERT");
+  ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).geometry.isConfined(); }));
+  window.setProperty("_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, {0, 0, 0, 0});
+  ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).geometry.shadow == x11::Extents{}; }));
+  fill(client);
+  ASSERT_TRUE(desk.waitFor([&] { return !desk.windowOf(client).geometry.isConfined(); }));
+  window.setProperty("_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, {26, 26, 23, 29});
+  ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).geometry.shadow.left == 26; }));
+  EXPECT_TRUE(reaches(client, kFill));
+}
+
+TEST_P(Windows, TheirOwnLimitsAreAccepted) {
+  const support::ChildProcess terminal({"xterm", "-geometry", "80x24+300+200"});
+  xcb_window_t client = XCB_WINDOW_NONE;
+  ASSERT_TRUE(desk.waitFor([&] {
+    const auto windows = desk.tracker().windowsOfProcess(terminal.pid());
+    if (!windows.empty()) client = windows.front().client;
+    return client != XCB_WINDOW_NONE && desk.windowOf(client).properties.wmState == 1;
+  }));
+  fill(client);
+  ASSERT_TRUE(desk.waitFor([&] {
+    const Rect frame = desk.frameOf(client);
+    return frame.x == kFill.x && frame.y == kFill.y && kFill.width - frame.width < 6 &&
+           kFill.height - frame.height < 13;
+  }));
+  // What came of it is final: from here on the real size is what is told, not the one that was wanted.
+  EXPECT_TRUE(desk.waitFor(
+      [&] { return desk.placement().expectedFrame(client, desk.frameOf(client)) == desk.frameOf(client); }));
+}
+
+TEST_P(Windows, HiddenTogetherAndBackTogether) {
+  ManagedWindow one(100, 200, 300, 200);
+  ManagedWindow two(500, 200, 300, 200);
+  ManagedWindow aside(900, 200, 300, 200);
+  for (ManagedWindow* window : {&one, &two, &aside}) desk.manage(*window);
+  const pid_t pid = getpid();
+  desk.set(aside.window(), "AXMinimized", true);
+  ASSERT_TRUE(desk.waitFor([&] { return isIconic(aside.window()); }));
+
+  const desktop::Element application = x11::Elements::application(pid);
+  ASSERT_EQ(desk.elements().setAttribute(application, "AXHidden", true), kAXErrorSuccess);
+  ASSERT_TRUE(desk.waitFor([&] { return isIconic(one.window()) && isIconic(two.window()); }));
+  desktop::Value hidden;
+  ASSERT_EQ(desk.elements().attribute(application, "AXHidden", hidden), kAXErrorSuccess);
+  EXPECT_TRUE(std::get<bool>(hidden));
+
+  desk.set(one.window(), "AXMinimized", false);
+  ASSERT_TRUE(desk.waitFor([&] { return !isIconic(one.window()) && !isIconic(two.window()); }));
+  EXPECT_FALSE(desk.hiding().isHidden(pid));
+  EXPECT_TRUE(desk.waitFor([&] { return desk.tracker().windows().back().client == one.window(); }));
+  EXPECT_TRUE(isIconic(aside.window())) << "iconified by hand before";
+  EXPECT_FALSE(desk.hiding().hide(1));
+}
+
+INSTANTIATE_TEST_SUITE_P(, Windows, testing::Values("openbox", "xfwm4"));
+
+TEST(WindowTable, SurvivesWindowsThatVanishAndWindowManagersThatChange) {
+  Desk desk("openbox");
+  ManagedWindow stays(300, 200, 400, 300);
+  desk.manage(stays);
+  for (int round = 0; round < 300; ++round) {
+    ManagedWindow window(400, 300, 200, 100);
+    window.map();
+    // Gone while the requests about it are on their way.
+    desk.placement().want(window.window(), {CGPointMake(10, 10), CGSizeMake(100, 100)});
+    QCoreApplication::processEvents();
+  }
+  EXPECT_TRUE(desk.waitFor([&] { return desk.tracker().windows().size() == 1; }));
+
+  desk.stopWindowManager();
+  ASSERT_TRUE(desk.waitFor([&] { return desk.tracker().windowManager().name.empty(); }));
+  EXPECT_FALSE(desk.elements().mayHitButton(desk.windowOf(stays.window()).frame, {310, 190}));
+  desk.startWindowManager("xfwm4");
+  ASSERT_TRUE(desk.waitFor([&] {
+    const auto window = desk.tracker().window(stays.window());
+    return window && window->frame != window->client && window->geometry.decoration.top > 0;
+  }));
+  EXPECT_TRUE(
+      desk.waitFor([&] { return desk.findButton(desk.windowOf(stays.window()), x11::ButtonRole::Zoom).has_value(); }));
+}
+
+TEST(WindowTable, TellsOfTheServersEnd) {
+  auto session = std::make_unique<support::XvfbSession>();
+  std::atomic<bool> lost = false;
+  x11::WindowTracker tracker(x11::Connection::open());
+  tracker.onLoss([&lost] {
+    lost = true;
+    lost.notify_all();
+  });
+  tracker.start();
+  session.reset();
+  lost.wait(false);
+}
+
+TEST(Applications, AreLaunchedWithTheirFirstWindowAndQuitWithTheirLast) {
+  Desk desk("openbox");
+  freedesktop::DesktopEntries entries({}, "C");
+  freedesktop::ApplicationIdentity identity(entries);
+  x11::WindowTracker tracker(x11::Connection::open());
+  x11::Applications applications(tracker, identity);
+  std::vector<std::pair<desktop::ApplicationChange, pid_t>> changes;
+  applications.observe([&](desktop::ApplicationChange change, pid_t pid) { changes.emplace_back(change, pid); });
+  tracker.start();
+  const auto waitForChanges = [&changes](std::size_t count) {
+    const auto deadline = std::chrono::steady_clock::now() + support::patience;
+    while (changes.size() < count && std::chrono::steady_clock::now() < deadline) {
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    }
+    return changes.size() == count;
+  };
+  pid_t pid = 0;
+  {
+    const support::ChildProcess terminal({"xterm"});
+    pid = terminal.pid();
+    ASSERT_TRUE(waitForChanges(1));
+    EXPECT_EQ(changes[0], std::pair(desktop::ApplicationChange::Launched, pid));
+    const auto running = applications.running();
+    ASSERT_EQ(running.size(), 1U);
+    EXPECT_EQ(running[0].pid, pid);
+    EXPECT_EQ(running[0].name, "XTerm");
+  }
+  ASSERT_TRUE(waitForChanges(2));
+  EXPECT_EQ(changes[1], std::pair(desktop::ApplicationChange::Terminated, pid));
+  tracker.stop();
+}
+
+TEST(MinimizeButtons, AreMissingOrDisabledAsTheWindowSays) {
+  Desk desk("openbox");
+  const auto answer = [&desk](xcb_window_t client) {
+    desktop::Value value;
+    const auto element = x11::Elements::window(client);
+    if (desk.elements().attribute(element, "AXMinimizeButton", value) == kAXErrorNoValue) return std::string("missing");
+    desk.elements().attribute(std::get<desktop::Element>(value), "AXEnabled", value);
+    return std::string(std::get<bool>(value) ? "enabled" : "disabled");
+  };
+  ManagedWindow plain(100, 200, 300, 200);
+  ManagedWindow transient(100, 200, 300, 200);
+  transient.setProperty("WM_TRANSIENT_FOR", XCB_ATOM_WINDOW, {plain.window()});
+  ManagedWindow dialog(100, 200, 300, 200);
+  dialog.setProperty("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {dialog.connection().atom("_NET_WM_WINDOW_TYPE_DIALOG")});
+  // Motif: all functions but minimise; all decorations but the minimise button.
+  ManagedWindow noFunction(100, 200, 300, 200);
+  noFunction.setProperty("_MOTIF_WM_HINTS", noFunction.connection().atom("_MOTIF_WM_HINTS"), {1, 1 | 8, 0, 0, 0});
+  ManagedWindow noButton(100, 200, 300, 200);
+  noButton.setProperty("_MOTIF_WM_HINTS", noButton.connection().atom("_MOTIF_WM_HINTS"), {2, 0, 1 | 32, 0, 0});
+  for (ManagedWindow* window : {&plain, &transient, &dialog, &noFunction, &noButton}) desk.manage(*window);
+  EXPECT_EQ(answer(plain.window()), "enabled");
+  EXPECT_EQ(answer(transient.window()), "missing");
+  EXPECT_EQ(answer(dialog.window()), "missing");
+  EXPECT_EQ(answer(noFunction.window()), "disabled");
+  EXPECT_EQ(answer(noButton.window()), "missing");
+
+  // A window that draws its own title bar has what its program says.
+  ManagedWindow own(100, 200, 300, 200);
+  own.setProperty("_MOTIF_WM_HINTS", own.connection().atom("_MOTIF_WM_HINTS"), {2, 0, 0, 0, 0});
+  own.map();
+  ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(own.window()).properties.wmState == 1; }));
+  EXPECT_EQ(answer(own.window()), "missing");
+  desk.clientButtons = {{x11::ButtonRole::Minimize, CGRectMake(200, 5, 30, 30), true},
+                        {x11::ButtonRole::Close, CGRectMake(240, 5, 30, 30), true}};
+  EXPECT_EQ(answer(own.window()), "enabled");
+  const x11::Window window = desk.windowOf(own.window());
+  const Rect frame = window.geometry.frame();
+  const CGPoint close{frame.x + 240.0, frame.y + 5.0};
+  EXPECT_TRUE(desk.elements().mayHitButton(window.frame, close));
+  EXPECT_FALSE(desk.elements().mayHitButton(window.frame, {close.x - 1, close.y}));
+  desktop::Element element;
+  ASSERT_EQ(desk.elements().atPosition(close, element), kAXErrorSuccess);
+  EXPECT_EQ(element, x11::Elements::button(own.window(), x11::ButtonRole::Close));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  const QCoreApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}
