@@ -124,7 +124,9 @@ ButtonNames ButtonNames::load(const std::string& domain, const std::vector<std::
   ButtonNames names;
   for (const auto& language : languages) {
     for (const auto& folder : folders) {
-      if (auto content = readFile(folder + "/" + language + "/LC_MESSAGES/" + domain + ".mo")) {
+      auto path = folder;
+      path.append("/").append(language).append("/LC_MESSAGES/").append(domain).append(".mo");
+      if (auto content = readFile(path)) {
         catalog = std::move(*content);
         break;
       }

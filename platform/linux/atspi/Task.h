@@ -47,8 +47,9 @@ class [[nodiscard]] Task {
     return handle_;
   }
   T await_resume() {
-    if (handle_.promise().exception) std::rethrow_exception(handle_.promise().exception);
-    return std::move(*handle_.promise().value);
+    auto& promise = handle_.promise();
+    if (!promise.value) std::rethrow_exception(promise.exception);
+    return std::move(*promise.value);
   }
 
  private:

@@ -215,6 +215,7 @@ class TitleBarButtons::Worker {
       const auto session = session_;
       found = co_await session->lookup.find(session->bus, asked->window);
     } catch (const Silence&) {
+      found.reset();
     }
     --conversations_;
     job->asking = false;
@@ -269,6 +270,7 @@ class TitleBarButtons::Worker {
     try {
       connection_ = co_await AccessibilityBus::connect(cancellable_.get());
     } catch (const Silence&) {
+      connection_.reset();
     }
     --conversations_;
     connecting_ = false;
