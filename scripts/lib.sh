@@ -11,14 +11,24 @@ die() {
 
 processors() { getconf _NPROCESSORS_ONLN; }
 
-# build PRESET [TARGET...]: configures the preset once and builds the targets (all of them when none is named).
-# ninja configures again by itself when a CMake file changes.
+on_mac() { [ "$(uname)" = Darwin ]; }
+
+# configure PRESET: the first time only; the build configures again by itself when a CMake file changes. A Mac's command
+# line tools bring make, not the ninja of the presets, and its tests are a build of their own, "simulated".
+configure() {
+  [ ! -f "build/$1/CMakeCache.txt" ] || return 0
+  if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}; fi
+  case $(uname)-$1 in
+    Darwin-simulated) cmake -S . -B build/simulated -DCMAKE_BUILD_TYPE=Release -DOSTREL_SIMULATED=ON ;;
+    Darwin-*) cmake -S . -B "build/$1" -DCMAKE_BUILD_TYPE=Release ;;
+    *) cmake --preset "$1" ;;
+  esac
+}
+
+# build PRESET [TARGET...]: builds the targets, all of them when none is named.
 build() {
   local preset=$1
   shift
-  if [ ! -f "build/$preset/build.ninja" ]; then
-    if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}; fi
-    cmake --preset "$preset"
-  fi
-  cmake --build "build/$preset" ${1:+--target "$@"}
+  configure "$preset"
+  cmake --build "build/$preset" --parallel "$(processors)" ${1:+--target "$@"}
 }

@@ -2,6 +2,11 @@
 # run.sh [ARGUMENT...]: builds Ostrel and runs it, with these arguments, on the desktop it is called from. Where there is
 # no display it shows itself on a desktop of its own instead: real applications, real clicks, a picture of each step.
 source "$(dirname "$0")/lib.sh"
+if on_mac; then
+  scripts/build.sh
+  # Through Launch Services, so that the permission is asked for Ostrel and not for the terminal.
+  exec open build/release/Ostrel.app --args "$@"
+fi
 if [ -n "${DISPLAY:-}" ]; then
   scripts/build.sh
   exec build/release/ostrel "$@"

@@ -3,6 +3,11 @@
 # The one place that knows how this system gets its packages.
 source "$(dirname "$0")/lib.sh"
 [ $# -gt 0 ] || set -- build
+if on_mac; then
+  xcode-select -p >/dev/null 2>&1 || die "the Xcode command line tools are missing: xcode-select --install"
+  command -v cmake >/dev/null || die "CMake is missing: install it from cmake.org or with your package manager"
+  exit 0
+fi
 
 packages_of() {
   awk -v group="[$1]" '/^\[/ { inside = $0 == group; next } inside && NF && !/^#/' scripts/packages.txt

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# test.sh [CTEST-ARGUMENT...]: builds everything and runs all tests; -L unit, for example, runs one kind alone.
+# test.sh [CTEST-ARGUMENT...]: builds everything and runs all tests; -L unit, for example, runs one kind alone. On a Mac
+# these are the tests on the simulated desktop.
 source "$(dirname "$0")/lib.sh"
 scripts/setup.sh build desktop test
-build release
-ctest --test-dir build/release --output-on-failure --no-tests=error --timeout 120 --parallel "$(processors)" "$@" </dev/null
+if on_mac; then preset=simulated; else preset=release; fi
+build "$preset"
+ctest --test-dir "build/$preset" --output-on-failure --no-tests=error --timeout 120 --parallel "$(processors)" "$@" </dev/null
