@@ -39,8 +39,9 @@ struct LabelNative final : TextNative {
   }
 
   int flags() const {
-    const int across = alignment == ns::TextAlignment::Right ? Qt::AlignRight | Qt::AlignAbsolute : Qt::AlignLeading;
-    return across | Qt::AlignTop | (wraps ? static_cast<int>(Qt::TextWordWrap) : 0);
+    const Qt::Alignment across =
+        alignment == ns::TextAlignment::Right ? Qt::AlignRight | Qt::AlignAbsolute : Qt::AlignLeading;
+    return static_cast<int>((across | Qt::AlignTop).toInt()) | (wraps ? int{Qt::TextWordWrap} : 0);
   }
 
   void paint(QPainter& painter, const QRectF& bounds) override {

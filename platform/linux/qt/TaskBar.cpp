@@ -26,8 +26,9 @@ xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
 
 void applyTaskBarPolicy(QWidget& window) {
   const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (!x11) return;
-  xcb_connection_t* const connection = x11->connection();
+  // Off screen the toolkit answers with an application without a connection.
+  xcb_connection_t* const connection = x11 ? x11->connection() : nullptr;
+  if (!connection) return;
   const bool isAccessory = ns::Application::sharedApplication()->activationPolicy() == ns::ActivationPolicy::Accessory;
   const auto id = static_cast<xcb_window_t>(window.winId());
   const xcb_atom_t state = atom(connection, "_NET_WM_STATE");
