@@ -66,6 +66,7 @@ struct ScrollerNative final : View::Native {
 
 struct ClipView final : View {
   ClipView() : View(std::make_unique<ClipNative>()) {}
+  bool isFlipped() const override { return !subviews().empty() && subviews().front()->isFlipped(); }
 };
 
 struct Scroller final : View {

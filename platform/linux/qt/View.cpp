@@ -28,7 +28,7 @@ void dropConstraintsInto(const View& leaving) {
 void detach(View::Native& native) {
   native.superview = nullptr;
   native.needsLayout = true;
-  native.widget->setParent(nullptr);
+  native.widget->leave();
 }
 
 /// From a rectangle or point that is counted from the top to one of the view's own coordinates.

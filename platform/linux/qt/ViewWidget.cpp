@@ -10,12 +10,24 @@
 
 namespace qt {
 
-ViewWidget::ViewWidget(ns::View::Native& native) : native_(&native) { setAttribute(Qt::WA_NoMousePropagation, false); }
+namespace {
+
+/// Where widgets are that are in no window. Never shown, and never destroyed before a view.
+QWidget* nowhere() {
+  static auto* const widget = new QWidget;
+  return widget;
+}
+
+}  // namespace
+
+ViewWidget::ViewWidget(ns::View::Native& native) : QWidget(nowhere()), native_(&native) {}
+
+void ViewWidget::leave() { setParent(nowhere()); }
 
 void ViewWidget::release() {
   native_ = nullptr;
   hide();
-  setParent(nullptr);
+  leave();
   deleteLater();
 }
 
@@ -39,7 +51,8 @@ bool ViewWidget::event(QEvent* event) {
   if (!native_) return QWidget::event(event);
   switch (event->type()) {
     case QEvent::LayoutRequest:
-      layOut(*native_);
+      // The toolkit sends these to parents of what appears, too.
+      layOut(native_->root());
       return true;
     case QEvent::PaletteChange:
       native_->appearanceChanged();

@@ -14,6 +14,8 @@ class ViewWidget final : public QWidget {
   explicit ViewWidget(ns::View::Native& native);
 
   ns::View::Native* native() const { return native_; }
+  /// Takes the widget out of its window. Not to the top: there the toolkit would give it a window of its own.
+  void leave();
   /// Leaves the tree at once and dies as soon as it may.
   void release();
   /// The bounds of the view within the widget.

@@ -40,7 +40,7 @@ class WindowWidget final : public QWidget {
   }
 
   void adopt(std::shared_ptr<ns::View> view) {
-    if (content) content->native().widget->setParent(nullptr);
+    if (content) content->native().widget->leave();
     content = std::move(view);
     if (!content) return;
     content->native().widget->setParent(this);
