@@ -5,7 +5,6 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
-#include <xcb/xtest.h>
 
 #include <algorithm>
 #include <array>
@@ -20,6 +19,8 @@
 
 #include "platform/linux/x11/Connection.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/XvfbSession.h"
 
 namespace {
 
@@ -36,18 +37,14 @@ const std::string windowProgram = OSTREL_TEST_SUPPORT "/decorated_window.py";
 class Session {
  public:
   explicit Session(const std::vector<std::string>& windowManager) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "title-bar-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-    setenv("XDG_RUNTIME_DIR", folder_.c_str(), 1);
-    setenv("HOME", folder_.c_str(), 1);
-    setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
-    setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + folder_ + "/session").c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", folder_.path().c_str(), 1);
+    setenv("HOME", folder_.path().c_str(), 1);
+    setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
+    setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + folder_ / "session").c_str(), 1);
     setenv("GSETTINGS_BACKEND", "memory", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
     for (const char* name : {"LANGUAGE", "AT_SPI_BUS_ADDRESS", "WAYLAND_DISPLAY", "NO_AT_BRIDGE", "GTK_THEME"})
       unsetenv(name);
-    server_.emplace(std::vector<std::string>{"Xvfb", "-screen", "0", "1440x900x24", "-noreset", "-displayfd", "1"});
-    setenv("DISPLAY", (":" + server_->readLine(bound).value_or("none")).c_str(), 1);
     connection_ = x11::Connection::open();
     if (!connection_) throw std::runtime_error("no X server");
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
@@ -57,25 +54,20 @@ class Session {
     if (!waitFor([this] { return !values(connection_->root(), "_NET_SUPPORTING_WM_CHECK").empty(); }))
       throw std::runtime_error("no window manager");
   }
-  ~Session() {
-    manager_.reset();
-    bus_.reset();
-    connection_.reset();
-    server_.reset();
-    close(wake_);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
+  ~Session() { close(wake_); }
 
   void startBus() {
     bus_.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--print-address=1",
-                                          "--address=unix:path=" + folder_ + "/session"});
+                                          "--address=unix:path=" + folder_ / "session"});
     if (!bus_->readLine(bound)) throw std::runtime_error("no message bus");
   }
   /// The accessibility bus ends with the session's.
   void stopBus() {
     bus_.reset();
-    std::filesystem::remove(folder_ + "/session");
+    std::filesystem::remove(folder_ / "session");
+    // It leaves its address at the X server, where an application would take it for alive.
+    xcb_delete_property(connection_->get(), connection_->root(), connection_->atom("AT_SPI_BUS"));
+    connection_->synchronise();
   }
 
   /// Any thread: makes waitFor look again.
@@ -159,11 +151,8 @@ class Session {
   /// `point` is relative to the window's visible frame.
   void click(xcb_window_t window, CGPoint point) {
     const auto frame = describe(window).frame.origin;
-    fake(XCB_MOTION_NOTIFY, 0, static_cast<std::int16_t>(frame.x + point.x),
-         static_cast<std::int16_t>(frame.y + point.y));
-    fake(XCB_BUTTON_PRESS, 1, 0, 0);
-    fake(XCB_BUTTON_RELEASE, 1, 0, 0);
-    connection_->synchronise();
+    hands_.move(static_cast<int>(frame.x + point.x), static_cast<int>(frame.y + point.y));
+    hands_.click();
   }
   void activate(xcb_window_t window) {
     xcb_client_message_event_t message{};
@@ -183,13 +172,10 @@ class Session {
   }
 
  private:
-  void fake(std::uint8_t type, std::uint8_t detail, std::int16_t x, std::int16_t y) {
-    xcb_test_fake_input(connection_->get(), type, detail, XCB_CURRENT_TIME, connection_->root(), x, y, 0);
-  }
-
-  std::string folder_;
+  const support::TemporaryFolder folder_;
   const int wake_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  std::optional<support::ChildProcess> server_;
+  support::XvfbSession server_;
+  support::Hands hands_;
   std::unique_ptr<x11::Connection> connection_;
   std::optional<support::ChildProcess> bus_;
   std::optional<support::ChildProcess> manager_;
