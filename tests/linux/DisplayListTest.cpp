@@ -1,10 +1,13 @@
 #include "platform/linux/x11/DisplayList.h"
 
 #include <gtest/gtest.h>
+#include <xcb/randr.h>
 
+#include <cstdlib>
 #include <random>
 
 #include "platform/linux/x11/Edid.h"
+#include "tests/support/XvfbSession.h"
 
 namespace x11 {
 namespace {
@@ -112,6 +115,60 @@ TEST(DisplayListTest, NamesAreTheMonitorsOwnOrReadableConnectors) {
   for (const Monitor& monitor : monitors) names.push_back(monitor.localizedName);
   EXPECT_EQ(names, (std::vector<std::string>{"Monitor 27", "Built-in Display", "DisplayPort 1-2", "HDMI A-0", "LEFT"}));
   EXPECT_EQ(monitors[1].display.serial, 8U);
+}
+
+class LiveDisplayListTest : public testing::Test {
+ protected:
+  LiveDisplayListTest() {
+    const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection->get(), connection->root(), XCB_CW_EVENT_MASK, &mask);
+  }
+  static void xrandr(const std::string& arguments) {
+    ASSERT_EQ(std::system(("timeout 10 xrandr " + arguments + " </dev/null >/dev/null 2>&1").c_str()), 0) << arguments;
+  }
+  /// Waits for an event that tells of a change.
+  bool isToldOfAChange() {
+    other->synchronise();
+    const auto deadline = std::chrono::steady_clock::now() + support::patience;
+    while (true) {
+      while (const Event event = connection->pollEvent()) {
+        if (displays.handleEvent(*event)) return true;
+      }
+      if (!support::waitReadable(connection->fileDescriptor(), deadline)) return false;
+    }
+  }
+
+  const support::XvfbSession session{"2400x900x24"};
+  const std::unique_ptr<Connection> connection = Connection::open();
+  const std::unique_ptr<Connection> other = Connection::open();
+  DisplayList displays{*connection};
+};
+
+TEST_F(LiveDisplayListTest, FollowsMonitorsAndTheirIdentification) {
+  ASSERT_EQ(displays.monitors().size(), 1U);
+  EXPECT_TRUE(CGRectEqualToRect(displays.monitors()[0].display.bounds, CGRectMake(0, 0, 2400, 900)));
+  const CGDirectDisplayID whole = displays.monitors()[0].identifier;
+
+  const auto resources = other->reply(xcb_randr_get_screen_resources_current_reply,
+                                      xcb_randr_get_screen_resources_current(other->get(), other->root()));
+  ASSERT_TRUE(resources && resources->num_outputs > 0);
+  const xcb_randr_output_t output = xcb_randr_get_screen_resources_current_outputs(resources.get())[0];
+  xrandr("--setmonitor LEFT 1000/300x900/240+0+0 screen --setmonitor '*RIGHT' 1400/300x900/240+1000+0 none");
+  ASSERT_TRUE(isToldOfAChange());
+  EXPECT_EQ(order(displays.monitors()), "RIGHT* LEFT ");
+  EXPECT_EQ(displays.monitor(whole), nullptr);
+  EXPECT_EQ(displays.screens()[1].localizedName, "LEFT");
+
+  const auto edid = edidBlock(5, "Monitor 27");
+  xcb_randr_change_output_property(other->get(), output, other->atom("EDID"), XCB_ATOM_INTEGER, 8,
+                                   XCB_PROP_MODE_REPLACE, static_cast<std::uint32_t>(edid.size()), edid.data());
+  ASSERT_TRUE(isToldOfAChange());
+  EXPECT_EQ(displays.screens()[1].localizedName, "Monitor 27");
+  EXPECT_EQ(displays.monitors()[1].display.serial, 5U);
+
+  xrandr("--delmonitor RIGHT --delmonitor LEFT");
+  ASSERT_TRUE(isToldOfAChange());
+  ASSERT_NE(displays.monitor(whole), nullptr);
 }
 
 }  // namespace

@@ -1,0 +1,172 @@
+#include "Ostrel/CommandLine.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <chrono>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "Ostrel/JSONText.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/XvfbSession.h"
+
+namespace ostrel {
+namespace {
+
+using Command = CommandLine::Command;
+
+Command commandOf(const std::vector<std::string>& arguments) { return parseCommandLine(arguments).command; }
+
+TEST(CommandLineParsingTest, TakesOnlyWholeCommands) {
+  EXPECT_EQ(parseCommandLine({}), CommandLine{});
+  const std::vector<std::string> exclude{"settings", "exclude"};
+  EXPECT_EQ(parseCommandLine(exclude), (CommandLine{Command::Settings, "exclude"}));
+  EXPECT_EQ(commandOf({"accessibility", "revoke"}), Command::Revoke);
+  for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{{""},
+                                                                                     {"Settings"},
+                                                                                     {"settings", "General"},
+                                                                                     {"settings", ""},
+                                                                                     {"settings", "about", "x"},
+                                                                                     {"accessibility"},
+                                                                                     {"accessibility", "grant", "x"},
+                                                                                     {"displays", "x"},
+                                                                                     {"--version", "--help"},
+                                                                                     {"--verbose"}}) {
+    const CommandLine parsed = parseCommandLine(wrong);
+    EXPECT_EQ(parsed.command, Command::Invalid) << wrong[0];
+    EXPECT_FALSE(parsed.argument.empty());
+  }
+}
+
+TEST(JSONTextTest, IsReadBackByAnyReader) {
+  std::string everyByte;
+  for (int c = 1; c < 0x80; ++c) everyByte += static_cast<char>(c);
+  for (const std::string& text : {everyByte, std::string("\0\"\\/", 4), std::string("Écran 27″ 🖥")}) {
+    EXPECT_EQ(nlohmann::json::parse(jsonText(text)), text);
+  }
+  EXPECT_EQ(nlohmann::json::parse(jsonText("a\xFF\xC3")), "a\uFFFD\uFFFD");
+  for (const double number : {0.0, -1200.0, 12.5, 0.1, 1e300})
+    EXPECT_EQ(nlohmann::json::parse(jsonNumber(number)), number);
+  EXPECT_EQ(jsonNumber(1440), "1440");
+}
+
+struct Result {
+  int status = -1;
+  std::string output;
+};
+
+/// The program in a home of its own, as a shell would start it.
+class ProgramTest : public testing::Test {
+ protected:
+  std::vector<std::string> environment() const {
+    return {"HOME=" + folder.path(), "XDG_RUNTIME_DIR=" + folder.path(), "XDG_CONFIG_HOME=" + folder / "config",
+            "XDG_DATA_HOME=" + folder / "data"};
+  }
+  Result run(const std::string& arguments, const std::string& extraEnvironment = {}) const {
+    std::string command = "exec timeout 20 env ";
+    for (const std::string& variable : environment()) command += variable + " ";
+    command += "env " + extraEnvironment + " " OSTREL_PROGRAM " " + arguments + " 2>&1 </dev/null";
+    Result result;
+    FILE* const pipe = popen(command.c_str(), "r");
+    char buffer[4096];
+    while (const std::size_t length = fread(buffer, 1, sizeof buffer, pipe)) result.output.append(buffer, length);
+    const int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+  }
+
+  const support::TemporaryFolder folder;
+};
+
+constexpr const char* noDisplay = "-u DISPLAY -u WAYLAND_DISPLAY";
+
+TEST_F(ProgramTest, WorksWithoutADisplayWhereNoneIsNeeded) {
+  EXPECT_EQ(run("--version", noDisplay).output, "Ostrel " OSTREL_VERSION "\n");
+  const Result unknown = run("frobnicate", noDisplay);
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_NE(unknown.output.find("frobnicate"), std::string::npos);
+
+  const auto consent = [&] {
+    const Result result = run("accessibility status", noDisplay);
+    return result.output + std::to_string(result.status);
+  };
+  EXPECT_EQ(consent(), "missing\n1");
+  EXPECT_EQ(run("accessibility grant", noDisplay).status, 0);
+  EXPECT_EQ(consent(), "granted\n0");
+  EXPECT_EQ(run("accessibility revoke", noDisplay).status, 0);
+  EXPECT_EQ(consent(), "missing\n1");
+  folder.write("data-is-a-file", "");
+  EXPECT_EQ(run("accessibility grant", "XDG_DATA_HOME=" + folder / "data-is-a-file").status, 1);
+}
+
+TEST_F(ProgramTest, SaysWhyItCannotWorkWithoutAnXServer) {
+  for (const char* arguments : {"", "displays", "settings about", "doctor"}) {
+    const Result none = run(arguments, noDisplay);
+    EXPECT_EQ(none.status, 1);
+    EXPECT_NE(none.output.find("DISPLAY is not set"), std::string::npos) << none.output;
+    const Result wayland = run(arguments, "-u DISPLAY WAYLAND_DISPLAY=wayland-0");
+    EXPECT_EQ(wayland.status, 1);
+    EXPECT_NE(wayland.output.find("Wayland session without X11"), std::string::npos) << wayland.output;
+  }
+  EXPECT_EQ(run("", "DISPLAY=:64999").status, 1);
+}
+
+class ProgramOnDesktopTest : public ProgramTest {
+ protected:
+  /// True once the running instance's part of the diagnosis holds this text.
+  bool doctorComesToSay(const std::string& text) const {
+    const auto deadline = std::chrono::steady_clock::now() + support::patience;
+    while (std::chrono::steady_clock::now() < deadline) {
+      if (run("doctor").output.find(text) != std::string::npos) return true;
+    }
+    return false;
+  }
+
+  const support::XvfbSession session;
+};
+
+TEST_F(ProgramOnDesktopTest, ListsDisplaysWithTheMarginsInEffect) {
+  const Result before = run("displays");
+  ASSERT_EQ(before.status, 0) << before.output;
+  const auto catalogue = nlohmann::json::parse(before.output);
+  ASSERT_EQ(catalogue.at("displays").size(), 1U);
+  const auto& display = catalogue.at("displays")[0];
+  EXPECT_EQ(catalogue.at("key"), display.at("identityKey"));
+  EXPECT_EQ(catalogue.at("label"), display.at("name"));
+  EXPECT_EQ(display.at("bounds"), nlohmann::json({{"x", 0}, {"y", 0}, {"width", 1440}, {"height", 900}}));
+  EXPECT_EQ(display.at("margins"), nlohmann::json({{"top", 56}, {"left", 32}, {"right", 32}, {"bottom", 32}}));
+
+  nlohmann::json preferences{{"margins.left", "12.5"}};
+  preferences["margins.configuration." + catalogue.at("key").get<std::string>() + ".display." +
+              display.at("identityKey").get<std::string>() + ".top"] = 5000;
+  folder.write("config/ostrel/preferences.json", preferences.dump());
+  EXPECT_EQ(nlohmann::json::parse(run("displays").output).at("displays")[0].at("margins"),
+            nlohmann::json({{"top", 1000}, {"left", 12.5}, {"right", 32}, {"bottom", 32}}));
+}
+
+TEST_F(ProgramOnDesktopTest, LaterStartsTalkToTheRunningInstance) {
+  EXPECT_NE(run("doctor").output.find("not running"), std::string::npos);
+  folder.write("config/ostrel/preferences.json",
+               R"({"behavior.excludedApps": [{"bundleID": "org.a", "name": "Two\nlines"}]})");
+  const support::ChildProcess instance({OSTREL_PROGRAM}, environment());
+  EXPECT_TRUE(doctorComesToSay("waiting for Accessibility"));
+  EXPECT_NE(run("doctor").output.find("Two lines"), std::string::npos);
+  ASSERT_EQ(run("accessibility grant").status, 0);
+  EXPECT_TRUE(doctorComesToSay("installed\n"));
+
+  EXPECT_EQ(run("").status, 0);
+  EXPECT_EQ(run("settings displays").status, 0);
+  instance.signal(SIGSTOP);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(run("settings").status, 1);
+  EXPECT_NE(run("doctor").output.find("does not answer"), std::string::npos);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));  // two questions, one second each
+  instance.signal(SIGKILL);
+  EXPECT_TRUE(doctorComesToSay("not running"));
+}
+
+}  // namespace
+}  // namespace ostrel
