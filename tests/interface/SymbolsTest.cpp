@@ -1,0 +1,51 @@
+#include <QImage>
+
+#include "platform/linux/qt/ImageNative.h"
+#include "platform/linux/qt/SymbolTable.h"
+#include "tests/interface/Fixture.h"
+
+namespace {
+
+TEST(SymbolsTest, EveryDrawingIsVisibleCentredAndWithinItsSquare) {
+  ASSERT_FALSE(qt::symbolTable().empty());
+  for (const qt::Symbol& symbol : qt::symbolTable()) {
+    SCOPED_TRACE(symbol.name);
+    const auto image = ns::Image::imageWithSystemSymbolName(std::string(symbol.name))
+                           ->imageWithSymbolConfiguration({48, ns::FontWeight::Medium});
+    const QImage picture = image->native().pixmap(1, Qt::black).toImage().convertToFormat(QImage::Format_ARGB32);
+    QRect inked;
+    for (int y = 0; y < picture.height(); ++y) {
+      for (int x = 0; x < picture.width(); ++x) {
+        if (qAlpha(picture.pixel(x, y)) > 64) inked |= QRect(x, y, 1, 1);
+      }
+    }
+    EXPECT_GE(std::max(inked.width(), inked.height()), picture.width() * 3 / 4);
+    EXPECT_LE(inked.width(), picture.width() - 2) << "touches an edge";
+    EXPECT_LE(inked.height(), picture.height() - 2) << "touches an edge";
+    EXPECT_NEAR(inked.center().x(), picture.width() / 2, 2);
+    EXPECT_NEAR(inked.center().y(), picture.height() / 2, 3);
+  }
+}
+
+TEST(SymbolsTest, AreDrawnInTheTintAtTheScaleOfTheScreen) {
+  const auto image = ns::Image::imageWithSystemSymbolName("rectangle.center.inset.filled");
+  const QPixmap picture = image->native().pixmap({20, 20}, 2, QColor(255, 0, 0, 128));
+  EXPECT_EQ(picture.size(), QSize(40, 40));
+  const QColor middle = picture.toImage().pixelColor(20, 20);
+  EXPECT_EQ(middle.rgb() & 0xffffffU, 0xff0000U);
+  EXPECT_NEAR(middle.alpha(), 128, 1);
+  EXPECT_EQ(ns::Image::imageWithSystemSymbolName("no.such.symbol"), nullptr);
+}
+
+using SymbolUseTest = SettingsTest;
+
+TEST_F(SymbolUseTest, EveryIconOfTheWindowHasADrawing) {
+  controller->addExcludedApp({"gone", "Gone"});
+  for (const auto tab : ostrel::allTabs) {
+    present(tab);
+    EXPECT_FALSE(allOf<ns::ImageView>(document()).empty());
+    for (auto* const view : allOf<ns::ImageView>(root())) EXPECT_NE(view->image(), nullptr);
+  }
+}
+
+}  // namespace
