@@ -8,7 +8,6 @@
 #include "Ostrel/InstanceRequests.h"
 #include "Ostrel/JSONText.h"
 #include "Ostrel/MarginStore.h"
-#include "platform/Application.h"
 #include "platform/Bundle.h"
 #include "platform/Consent.h"
 #include "platform/SingleInstance.h"
@@ -54,7 +53,6 @@ int showConsent() {
 
 int showDisplays() {
   if (const auto reason = ns::desktopUnavailableReason()) return fail(*reason);
-  ns::Application::sharedApplication();  // the desktop stands on it
   std::cout << displaysAsJSON();
   return 0;
 }
@@ -93,7 +91,6 @@ int diagnose() {
   }
   const auto reason = ns::desktopUnavailableReason();
   if (!reason) {
-    ns::Application::sharedApplication();  // the desktop stands on it
     append(displayLines());
   }
   std::cout << versionText() << "\n\n";
