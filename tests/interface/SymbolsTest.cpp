@@ -1,3 +1,4 @@
+#include <QIcon>
 #include <QImage>
 
 #include "platform/linux/qt/ImageNative.h"
@@ -35,6 +36,21 @@ TEST(SymbolsTest, AreDrawnInTheTintAtTheScaleOfTheScreen) {
   EXPECT_EQ(middle.rgb() & 0xffffffU, 0xff0000U);
   EXPECT_NEAR(middle.alpha(), 128, 1);
   EXPECT_EQ(ns::Image::imageWithSystemSymbolName("no.such.symbol"), nullptr);
+}
+
+TEST(IconTest, FillsItsSquareWhateverSizesTheThemeHas) {
+  QPixmap small(16, 16);
+  small.fill(Qt::red);
+  const auto image = qt::imageWithIcon(QIcon(small));
+  EXPECT_EQ(image->size().width, 32);
+  image->setSize({22, 22});
+  for (const double scale : {1.0, 1.5, 2.0}) {
+    const QImage picture = image->native().pixmap(scale, Qt::black).toImage();
+    const int last = static_cast<int>(22 * scale) - 1;
+    EXPECT_EQ(picture.size(), QSize(last + 1, last + 1));
+    EXPECT_EQ(picture.pixelColor(0, 0), QColor(Qt::red));
+    EXPECT_EQ(picture.pixelColor(last, last), QColor(Qt::red));
+  }
 }
 
 using SymbolUseTest = SettingsTest;

@@ -17,6 +17,23 @@ QPixmap tinted(QPixmap pixmap, const QColor& tint) {
   return pixmap;
 }
 
+/// Themes answer with the next smaller picture when they have none of this size: it is scaled up, for a row of icons
+/// looks even only when all are of one size.
+QPixmap iconPicture(const QIcon& icon, QSizeF size, double devicePixelRatio) {
+  QPixmap source = icon.pixmap(size.toSize(), devicePixelRatio);
+  source.setDevicePixelRatio(1);
+  const QSize pixels = (size * devicePixelRatio).toSize();
+  QPixmap result(pixels);
+  result.fill(Qt::transparent);
+  if (!source.isNull()) {
+    const QPixmap scaled = source.scaled(pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QPainter(&result).drawPixmap((pixels.width() - scaled.width()) / 2, (pixels.height() - scaled.height()) / 2,
+                                 scaled);
+  }
+  result.setDevicePixelRatio(devicePixelRatio);
+  return result;
+}
+
 }  // namespace
 
 QSizeF Image::Native::size() const {
@@ -28,7 +45,7 @@ QSizeF Image::Native::size() const {
 
 QPixmap Image::Native::pixmap(QSizeF size, double devicePixelRatio, const QColor& tint) const {
   if (symbolName.empty()) {
-    const QPixmap picture = icon.pixmap(size.toSize(), devicePixelRatio);
+    const QPixmap picture = iconPicture(icon, size, devicePixelRatio);
     return isTemplate ? tinted(picture, tint) : picture;
   }
   const QString key = QStringLiteral("ostrel/%1/%2x%3/%4/%5/%6")
