@@ -40,6 +40,9 @@ class DesktopSession {
 
   XClient& x() { return *x_; }
   const support::TemporaryFolder& home() const { return home_; }
+  const std::string& displayName() const { return server_->displayName(); }
+  /// What a program needs in its environment to be on this desktop.
+  const Arguments& environment() const { return environment_; }
 
   /// Starts the window manager, in place of one that runs.
   void restartWindowManager();

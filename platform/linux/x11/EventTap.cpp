@@ -1,8 +1,6 @@
 #include "platform/linux/x11/EventTap.h"
 
 #include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -14,6 +12,7 @@
 #include "platform/RunLoop.h"
 #include "platform/linux/x11/ButtonGrab.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Wakeup.h"
 #include "platform/linux/x11/Watchdog.h"
 
 namespace x11 {
@@ -37,24 +36,6 @@ CGEventFlags flagsOf(unsigned state) {
   if ((state & XCB_MOD_MASK_4) != 0) flags |= kCGEventFlagMaskCommand;
   return flags;
 }
-
-class WakeDescriptor {
- public:
-  WakeDescriptor() : descriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-  ~WakeDescriptor() { close(descriptor_); }
-  WakeDescriptor(const WakeDescriptor&) = delete;
-  WakeDescriptor& operator=(const WakeDescriptor&) = delete;
-
-  int get() const { return descriptor_; }
-  void signal() const { eventfd_write(descriptor_, 1); }
-  void clear() const {
-    eventfd_t ignored = 0;
-    eventfd_read(descriptor_, &ignored);
-  }
-
- private:
-  const int descriptor_;
-};
 
 }  // namespace
 
@@ -223,7 +204,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
   void wait(std::optional<milliseconds> timeout) {
     auto* watchdog = Watchdog::shared();
     pollfd sources[] = {{connection_ ? connection_->fileDescriptor() : -1, POLLIN, 0},
-                        {wake_.get(), POLLIN, 0},
+                        {wake_.fileDescriptor(), POLLIN, 0},
                         {watchdog != nullptr ? watchdog->fileDescriptor() : -1, POLLIN, 0}};
     if (poll(sources, std::size(sources), timeout ? static_cast<int>(timeout->count()) : -1) <= 0) return;
     if (sources[1].revents != 0) wake_.clear();
@@ -236,7 +217,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
   const desktop::EventTapHandler handler_;
   const HitFilter filter_;
   const std::string displayName_;
-  const WakeDescriptor wake_;
+  Wakeup wake_;
   std::atomic<bool> enabled_ = false;
   std::atomic<bool> attached_ = false;
   std::atomic<bool> stopping_ = false;

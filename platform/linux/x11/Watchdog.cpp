@@ -23,11 +23,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The tap answers a press within 50 ms whatever the main thread does, so there is nothing to see before. A stopped
-// process is certain and dealt with at the first look; one that is merely silent may be short of processor time, and
-// throwing it out loses the press, so it gets as long as the mouse may be frozen at most, less a margin.
-constexpr auto firstLook = std::chrono::milliseconds(60);
-constexpr auto patience = std::chrono::milliseconds(100);
+// The tap answers a press within 50 ms whatever the main thread does, so there is nothing to ask before. A process that
+// is silent and stopped is thrown out soon; one that is merely silent may be short of processor time, and throwing it
+// out loses the press, so it gets as long as the mouse may be frozen at most (250 ms), less a margin.
+constexpr auto untilQuestion = std::chrono::milliseconds(60);
+constexpr auto untilDoubt = std::chrono::milliseconds(25);
+constexpr auto untilEnd = std::chrono::milliseconds(75);
 
 struct Message {
   std::uint32_t kind;
@@ -59,8 +60,8 @@ class Guard {
   }
 
  private:
-  /// What a press has set going: first wait, then ask, then wait for the answer.
-  enum class Stage { Waiting, Asked };
+  /// What a press has set going: wait, ask, see whether the process is stopped, lose patience.
+  enum class Stage { Waiting, Asked, Doubted };
 
   int timeout() const {
     if (!next_) return -1;
@@ -73,7 +74,7 @@ class Guard {
     if (recv(socket_, &message, sizeof message, 0) != sizeof message) return false;
     if (message.kind == Watch) {
       watch(message.value);
-    } else if (stage_ == Stage::Asked && message.value == question_) {
+    } else if (stage_ != Stage::Waiting && message.value == question_) {
       next_.reset();
       if (message.kind == Pending || pressedAgain_) expectAnswer();
     }
@@ -125,16 +126,29 @@ class Guard {
   void expectAnswer() {
     stage_ = Stage::Waiting;
     pressedAgain_ = false;
-    next_ = Clock::now() + firstLook;
+    next_ = Clock::now() + untilQuestion;
   }
 
   void check() {
-    if (stage_ == Stage::Asked || isStopped(process_)) return free();
+    switch (stage_) {
+      case Stage::Waiting:
+        return ask();
+      case Stage::Asked:
+        if (isStopped(process_)) return free();
+        stage_ = Stage::Doubted;
+        next_ = Clock::now() + untilEnd;
+        return;
+      case Stage::Doubted:
+        return free();
+    }
+  }
+
+  void ask() {
     const Message message{Question, ++question_};
     ::send(socket_, &message, sizeof message, MSG_NOSIGNAL | MSG_DONTWAIT);
     stage_ = Stage::Asked;
     pressedAgain_ = false;
-    next_ = Clock::now() + patience;
+    next_ = Clock::now() + untilDoubt;
   }
 
   void free() {
