@@ -21,7 +21,7 @@ constexpr auto quiet = std::chrono::milliseconds(60);
 
 /// Has the window manager centre the window when its minimise button is pressed.
 void bindMinimiseButton(desktoptest::DesktopSession& session) {
-  std::string text = session.home().read("config/openbox/rc.xml");
+  std::string text = session.home().read("CONFIG_HOME/openbox/rc.xml");
   const std::string start = "<context name=\"Iconify\">";
   const auto first = text.find(start);
   const auto end = text.find("</context>", first);
@@ -30,7 +30,7 @@ void bindMinimiseButton(desktoptest::DesktopSession& session) {
                start +
                    "<mousebind button=\"Left\" action=\"Press\"><action name=\"MoveResizeTo\"><x>center</x>"
                    "</action></mousebind>");
-  session.home().write("config/openbox/rc.xml", text);
+  session.home().write("CONFIG_HOME/openbox/rc.xml", text);
   session.restartWindowManager();
 }
 

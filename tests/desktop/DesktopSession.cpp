@@ -45,8 +45,13 @@ DesktopSession::DesktopSession(WindowManager windowManager, int width, int heigh
     : windowManager_(windowManager),
       server_(std::make_unique<support::XvfbSession>(std::to_string(width) + "x" + std::to_string(height) + "x24")),
       x_(std::make_unique<XClient>()) {
-  environment_ = {"HOME=" + home_.path(), "XDG_SESSION_TYPE=x11",     "WAYLAND_DISPLAY=",
-                  "LC_ALL=C.UTF-8",       "GSETTINGS_BACKEND=memory", "GIO_USE_VFS=local"};
+  environment_ = {"DISPLAY=" + server_->displayName(),
+                  "HOME=" + home_.path(),
+                  "XDG_SESSION_TYPE=x11",
+                  "WAYLAND_DISPLAY=",
+                  "LC_ALL=C.UTF-8",
+                  "GSETTINGS_BACKEND=memory",
+                  "GIO_USE_VFS=local"};
   for (const std::string kind : {"CONFIG_HOME", "DATA_HOME", "CACHE_HOME", "STATE_HOME", "RUNTIME_DIR"}) {
     const std::string folder = home_ / kind;
     std::filesystem::create_directory(folder);
