@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "platform/linux/qt/DesktopScheme.h"
+#include "platform/linux/qt/Style.h"
 
 namespace qt {
 namespace {
@@ -57,6 +58,8 @@ constexpr Shade shadeOf(ControlColor part) {
       return {0xFFE4E4E8, white(0.28)};
     case ControlColor::Edge:
       return {black(0.17), white(0.10)};
+    case ControlColor::LowerEdge:
+      return {black(0.28), white(0.06)};
     case ControlColor::Field:
       return {0xFFFFFFFF, white(0.07)};
     case ControlColor::Track:
@@ -71,6 +74,8 @@ constexpr Shade shadeOf(ControlColor part) {
       return {black(0.38), white(0.42)};
     case ControlColor::Menu:
       return {0xFFFAFAFB, 0xFF2B2B2F};
+    case ControlColor::MenuEdge:
+      return {0xFFCDCDD1, 0xFF4B4B50};
   }
   return {};
 }
@@ -124,6 +129,7 @@ QString family() {
 }  // namespace
 
 void startAppearance() {
+  QApplication::setStyle(new Style);
   scheme = new DesktopScheme(apply);
   apply();
 }

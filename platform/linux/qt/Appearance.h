@@ -14,6 +14,7 @@ enum class ControlColor {
   Face,
   PressedFace,
   Edge,
+  LowerEdge,
   Field,
   Track,
   Knob,
@@ -21,6 +22,7 @@ enum class ControlColor {
   FocusRing,
   Scroller,
   Menu,
+  MenuEdge,
 };
 
 /// Starts following the desktop; every widget is repainted when it changes between light and dark. Called once, with

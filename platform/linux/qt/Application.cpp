@@ -30,7 +30,6 @@ class QtApplication final : public Application {
  public:
   QtApplication() {
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setStyle(QStringLiteral("fusion"));
     qt::installAccessibleViews();
     qt::startAppearance();
   }

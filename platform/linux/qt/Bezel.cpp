@@ -1,5 +1,6 @@
 #include "platform/linux/qt/Bezel.h"
 
+#include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -8,16 +9,16 @@
 namespace qt {
 
 void paintBezel(QPainter& painter, const QRectF& bounds, double cornerRadius, bool isPressed) {
-  if (!isDark()) {
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0, 0, 0, 14));
-    painter.drawRoundedRect(bounds.translated(0, 1), cornerRadius, cornerRadius);
-  }
   painter.setPen(Qt::NoPen);
   painter.setBrush(color(isPressed ? ControlColor::PressedFace : ControlColor::Face));
   painter.drawRoundedRect(bounds, cornerRadius, cornerRadius);
   painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(color(ControlColor::Edge), 1));
+  // A little stronger at the bottom, as if light came from above.
+  QLinearGradient edge(bounds.topLeft(), bounds.bottomLeft());
+  edge.setColorAt(0, color(ControlColor::Edge));
+  edge.setColorAt(0.85, color(ControlColor::Edge));
+  edge.setColorAt(1, color(ControlColor::LowerEdge));
+  painter.setPen(QPen(edge, 1));
   painter.drawRoundedRect(bounds.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5, cornerRadius - 0.5);
 }
 

@@ -4,7 +4,7 @@
 #include <QPainter>
 
 #include "platform/linux/qt/Appearance.h"
-#include "platform/linux/qt/LayerPainter.h"
+#include "platform/linux/qt/FocusRing.h"
 #include "platform/linux/qt/TextNative.h"
 #include "platform/linux/qt/ViewWidget.h"
 
@@ -35,6 +35,7 @@ struct FieldNative final : TextNative {
 
   std::optional<double> naturalHeight(double) const override { return 24; }
   bool canFocus() const override { return true; }
+  double focusRadius() const override { return cornerRadius; }
   void takeFocus(Qt::FocusReason reason) override { editor->setFocus(reason); }
   void laidOut() override {
     editor->setGeometry(widget->contentBounds().toRect().adjusted(textInset - 2, 1, 2 - textInset, -1));
@@ -47,7 +48,6 @@ struct FieldNative final : TextNative {
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(qt::color(ControlColor::Edge), 1));
     painter.drawRoundedRect(bounds.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5, cornerRadius - 0.5);
-    if (editor->hasFocus()) paintFocusRing(painter, bounds, cornerRadius);
   }
 
   void styleChanged() override {
@@ -135,14 +135,14 @@ Editor::Editor(FieldNative& field) : QLineEdit(field.widget), field_(field) {
 
 void Editor::focusInEvent(QFocusEvent* event) {
   QLineEdit::focusInEvent(event);
-  field_.repaint();
+  showFocusRing(field_);
 }
 
 void Editor::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
   auto* const native = field_.widget->native();
   if (!native) return;
-  field_.repaint();
+  hideFocusRing(field_);
   // The window's going to the back, or a menu, is no end of editing.
   if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason) field_.focusLost();
 }

@@ -1,5 +1,6 @@
 // Text that cannot be edited.
 #include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QPainter>
 #include <cmath>
 
@@ -38,10 +39,13 @@ struct LabelNative final : TextNative {
     return height->second;
   }
 
+  /// Aligned as the interface is written; the text itself runs as its own script does.
   int flags() const {
-    const Qt::Alignment across =
-        alignment == ns::TextAlignment::Right ? Qt::AlignRight | Qt::AlignAbsolute : Qt::AlignLeading;
-    return static_cast<int>((across | Qt::AlignTop).toInt()) | (wraps ? int{Qt::TextWordWrap} : 0);
+    const bool isMirrored = QGuiApplication::layoutDirection() == Qt::RightToLeft;
+    const bool isRight = alignment == ns::TextAlignment::Right || isMirrored;
+    return Qt::AlignAbsolute | Qt::AlignTop | (isRight ? Qt::AlignRight : Qt::AlignLeft) |
+           (wraps ? Qt::TextWordWrap : Qt::TextSingleLine) |
+           (content.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight);
   }
 
   void paint(QPainter& painter, const QRectF& bounds) override {

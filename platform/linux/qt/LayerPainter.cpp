@@ -92,12 +92,4 @@ void clipToAncestors(QPainter& painter, const ViewWidget& widget) {
   }
 }
 
-void paintFocusRing(QPainter& painter, const QRectF& bounds, double cornerRadius) {
-  constexpr double width = 3;
-  painter.setBrush(Qt::NoBrush);
-  painter.setPen(QPen(color(ControlColor::FocusRing), width));
-  const double half = width / 2;
-  painter.drawRoundedRect(bounds.adjusted(-half, -half, half, half), cornerRadius + half, cornerRadius + half);
-}
-
 }  // namespace qt

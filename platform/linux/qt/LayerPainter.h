@@ -19,8 +19,5 @@ void paintLayer(QPainter& painter, const ns::Layer& layer, const QRectF& bounds)
 int shadowReach(const ns::Layer& layer);
 /// Confines drawing to the rounded ancestors that clip.
 void clipToAncestors(QPainter& painter, const ViewWidget& widget);
-void paintFocusRing(QPainter& painter, const QRectF& bounds, double cornerRadius);
-/// The room that a focus ring needs around the bounds.
-inline constexpr int focusRingReach = 4;
 
 }  // namespace qt

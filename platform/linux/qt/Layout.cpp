@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string>
 
+#include "platform/linux/qt/FocusRing.h"
 #include "platform/linux/qt/LayoutSolver.h"
 #include "platform/linux/qt/ViewNative.h"
 #include "platform/linux/qt/ViewWidget.h"
@@ -221,6 +222,7 @@ class LayoutPass {
 void layOut(Native& root) {
   // A view may change the tree while it is told of its new size; it should come to rest.
   for (int round = 0; round < 4 && std::exchange(root.needsLayout, false); ++round) LayoutPass(root).run();
+  followFocus();
 }
 
 }  // namespace qt

@@ -18,6 +18,8 @@ namespace {
 constexpr double textInset = 10;
 constexpr double capSize = 16;
 constexpr double capInset = 4;
+constexpr int menuLead = 23;
+constexpr int menuRise = 6;
 
 struct PopUpNative final : qt::ControlNative {
   PopUpNative() {
@@ -94,7 +96,7 @@ struct PopUpNative final : qt::ControlNative {
     auto* const popUp = new QMenu(widget);
     popUp->setAttribute(Qt::WA_DeleteOnClose);
     popUp->setFont(font());
-    popUp->setMinimumWidth(qRound(frame.width()));
+    popUp->setMinimumWidth(qRound(frame.width()) + menuLead);
     QAction* current = nullptr;
     for (std::size_t i = 0; i < menu.items().size(); ++i) {
       QString title = QString::fromStdString(menu.items()[i]->title());
@@ -108,7 +110,9 @@ struct PopUpNative final : qt::ControlNative {
         send();
       });
     }
-    popUp->popup(widget->mapToGlobal(widget->contentBounds().topLeft().toPoint()), current);
+    // Its check marks come to lie before the button, its edge above, so that the title is over the title.
+    const QPoint corner = widget->mapToGlobal(widget->contentBounds().topLeft().toPoint());
+    popUp->popup(corner - QPoint(menuLead, menuRise), current);
   }
 
   qt::AccessibleFacts accessibleFacts() const override {

@@ -5,6 +5,7 @@
 #include <QRegion>
 #include <algorithm>
 
+#include "platform/linux/qt/FocusRing.h"
 #include "platform/linux/qt/LayerPainter.h"
 #include "platform/linux/qt/ViewNative.h"
 #include "platform/linux/qt/ViewWidget.h"
@@ -40,7 +41,10 @@ double flipped(const View::Native& within, double y, double height) {
 
 View::Native::Native() : widget(new qt::ViewWidget(*this)) {}
 
-View::Native::~Native() { widget->release(); }
+View::Native::~Native() {
+  qt::hideFocusRing(*this);
+  widget->release();
+}
 
 bool View::Native::mousePressed(QPointF point) {
   view->mouseDown({CGPointMake(point.x(), flipped(*this, point.y(), 0))});
@@ -90,7 +94,7 @@ void View::Native::contentChanged() {
 void View::Native::repaint() { widget->update(); }
 
 void View::Native::updateOutset() {
-  const int wanted = std::max(qt::shadowReach(layer), canFocus() ? qt::focusRingReach : 0);
+  const int wanted = qt::shadowReach(layer);
   if (std::exchange(outset, wanted) != wanted) setNeedsLayout();
 }
 
@@ -111,7 +115,6 @@ View::View(CGRect frame) : View() {
 
 View::View(std::unique_ptr<Native> native) : native_(std::move(native)) {
   native_->view = this;
-  native_->updateOutset();
   native_->widget->setFocusPolicy(native_->canFocus() ? Qt::TabFocus : Qt::NoFocus);
 }
 
@@ -196,7 +199,6 @@ void View::setAccessibilityLabel(const std::string& label) {
 void View::setAccessibilityButton(bool selected) {
   native_->isAccessibilityButton = true;
   native_->widget->setFocusPolicy(Qt::TabFocus);
-  native_->updateOutset();
   if (std::exchange(native_->isAccessibilitySelected, selected) != selected) {
     native_->notifyAccessible(QAccessible::SelectionWithin);
   }

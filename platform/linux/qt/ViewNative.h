@@ -115,7 +115,7 @@ struct View::Native {
   void repaint();
   /// Of the tree that this view is in.
   Native& root();
-  /// Room around the bounds in which focus ring and shadow are drawn.
+  /// Room around the bounds in which the shadow is drawn.
   void updateOutset();
   /// Tells assistive technology that a fact has changed.
   void notifyAccessible(QAccessible::Event event) const;

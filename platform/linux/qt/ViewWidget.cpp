@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QWheelEvent>
 
+#include "platform/linux/qt/FocusRing.h"
 #include "platform/linux/qt/LayerPainter.h"
 
 namespace qt {
@@ -58,8 +59,10 @@ bool ViewWidget::event(QEvent* event) {
       native_->appearanceChanged();
       break;
     case QEvent::FocusIn:
+      if (native_->canFocus()) showFocusRing(*native_);
+      break;
     case QEvent::FocusOut:
-      update();
+      hideFocusRing(*native_);
       break;
     case QEvent::HoverEnter:
     case QEvent::HoverMove:
@@ -81,7 +84,6 @@ void ViewWidget::paintEvent(QPaintEvent*) {
   const QRectF bounds(QPointF(), content.size());
   paintLayer(painter, native_->layer, bounds);
   native_->paint(painter, bounds);
-  if (hasFocus()) paintFocusRing(painter, bounds, native_->focusRadius());
 }
 
 void ViewWidget::mousePressEvent(QMouseEvent* event) {

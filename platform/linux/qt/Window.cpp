@@ -5,7 +5,7 @@
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
-#include <cmath>
+#include <optional>
 
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/FocusOrder.h"
@@ -50,16 +50,25 @@ class WindowWidget final : public QWidget {
 
   void updateMinimum() {
     QSize least = contentMinimum;
-    const QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+    const QMargins frame = frameMargins();
     const int titleBar = frame.isNull() ? assumedTitleBar : frame.top() + frame.bottom();
     least = least.expandedTo(windowMinimum - QSize(frame.left() + frame.right(), titleBar));
     if (minimumSize() != least) setMinimumSize(least);
+  }
+
+  void center() {
+    centredWith = frameMargins();
+    const QRect screenArea = screen()->availableGeometry();
+    const QSize whole = QRect(QPoint(), size()).marginsAdded(*centredWith).size();
+    move(screenArea.center() - QPoint(whole.width() / 2, whole.height() / 2));
   }
 
   std::shared_ptr<ns::View> content;
   std::weak_ptr<ns::WindowDelegate> delegate;
   QSize contentMinimum;
   QSize windowMinimum;
+  /// The frame that center() reckoned with; none before the first.
+  std::optional<QMargins> centredWith;
 
  protected:
   bool event(QEvent* event) override {
@@ -70,7 +79,11 @@ class WindowWidget final : public QWidget {
   }
   void resizeEvent(QResizeEvent*) override { layOutContent(); }
   void showEvent(QShowEvent*) override { layOutContent(); }
-  void moveEvent(QMoveEvent*) override { updateMinimum(); }
+  void moveEvent(QMoveEvent*) override {
+    updateMinimum();
+    // Its frame, which it was centred without, has only come with the window manager's answer.
+    if (centredWith && *centredWith != frameMargins()) center();
+  }
   void closeEvent(QCloseEvent*) override {
     if (const auto strong = delegate.lock()) strong->windowWillClose();
   }
@@ -85,6 +98,7 @@ class WindowWidget final : public QWidget {
   bool focusNextPrevChild(bool next) override { return content && moveFocus(content->native(), next); }
 
  private:
+  QMargins frameMargins() const { return windowHandle() ? windowHandle()->frameMargins() : QMargins(); }
   void layOutContent() {
     if (!content) return;
     auto& native = content->native();
@@ -130,12 +144,7 @@ void Window::setMinSize(CGSize size) {
   native_->widget.updateMinimum();
 }
 
-void Window::center() {
-  auto& widget = native_->widget;
-  const QRect screen = widget.screen()->availableGeometry();
-  const QSize size = widget.isVisible() ? widget.frameGeometry().size() : widget.size();
-  widget.move(screen.center() - QPoint(size.width() / 2, size.height() / 2));
-}
+void Window::center() { native_->widget.center(); }
 
 void Window::makeKeyAndOrderFront() {
   auto& widget = native_->widget;
