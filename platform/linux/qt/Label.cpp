@@ -33,19 +33,20 @@ struct LabelNative final : TextNative {
     const QFontMetricsF metrics(qt::font(font));
     double lines = metrics.height();
     if (wraps && !content.isEmpty() && whole > 0) {
-      lines = std::max(lines, metrics.boundingRect(QRectF(0, 0, whole, 1e6), flags(), content).height());
+      lines = std::max(lines, metrics.boundingRect(QRectF(0, 0, whole, 1e6), textFlags(), content).height());
     }
     height = {whole, std::ceil(lines)};
     return height->second;
   }
 
   /// Aligned as the interface is written; the text itself runs as its own script does.
-  int flags() const {
+  int textFlags() const {
     const bool isMirrored = QGuiApplication::layoutDirection() == Qt::RightToLeft;
     const bool isRight = alignment == ns::TextAlignment::Right || isMirrored;
-    return Qt::AlignAbsolute | Qt::AlignTop | (isRight ? Qt::AlignRight : Qt::AlignLeft) |
-           (wraps ? Qt::TextWordWrap : Qt::TextSingleLine) |
-           (content.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight);
+    int flags = int{Qt::AlignAbsolute} | int{Qt::AlignTop};
+    flags |= isRight ? int{Qt::AlignRight} : int{Qt::AlignLeft};
+    flags |= wraps ? int{Qt::TextWordWrap} : int{Qt::TextSingleLine};
+    return flags | (content.isRightToLeft() ? int{Qt::TextForceRightToLeft} : int{Qt::TextForceLeftToRight});
   }
 
   void paint(QPainter& painter, const QRectF& bounds) override {
@@ -53,7 +54,7 @@ struct LabelNative final : TextNative {
     painter.setFont(own);
     painter.setPen(qt::color(textColor));
     const bool isElided = !wraps && lineBreakMode == ns::LineBreakMode::TruncatingTail;
-    painter.drawText(bounds, flags(),
+    painter.drawText(bounds, textFlags(),
                      isElided ? QFontMetricsF(own).elidedText(content, Qt::ElideRight, bounds.width()) : content);
   }
 
