@@ -23,6 +23,15 @@ NSFont* toNSFont(const Font& font) {
   return [NSFont systemFontOfSize:font.pointSize weight:toNSFontWeight(font.weight)];
 }
 
+// Below it a view does not hold the window open: its text gives way, and the window keeps the size that the person or
+// the program gave it.
+const NSLayoutPriority kGivesWayToWindow = NSLayoutPriorityWindowSizeStayPut - 10;
+
+void letShrink(NSView* view) {
+  [view setContentCompressionResistancePriority:kGivesWayToWindow
+                                 forOrientation:NSLayoutConstraintOrientationHorizontal];
+}
+
 // What the frameworks' views cannot give back as it was put in.
 struct TextFieldNative final : View::Native {
   using Native::Native;
@@ -56,6 +65,20 @@ void fillPopUp(NSPopUpButton* popUp, const Menu& menu) {
 
 }  // namespace ns
 
+/// Whole numbers alone: the framework's formatter takes an empty text for no value, which would read as 0.
+@interface OstrelNumberFormatter : NSNumberFormatter
+@end
+
+@implementation OstrelNumberFormatter
+
+- (BOOL)getObjectValue:(out id __autoreleasing*)object
+             forString:(NSString*)string
+      errorDescription:(out NSString* __autoreleasing*)error {
+  return string.length > 0 && [super getObjectValue:object forString:string errorDescription:error];
+}
+
+@end
+
 /// Tells a C++ delegate about the end of editing.
 @interface OstrelTextFieldDelegate : NSObject <NSTextFieldDelegate> {
  @public
@@ -65,6 +88,11 @@ void fillPopUp(NSPopUpButton* popUp, const Menu& menu) {
 @end
 
 @implementation OstrelTextFieldDelegate
+
+// Escape gives the edit up; without this a text that the formatter refuses would keep the field until it is mended.
+- (BOOL)control:(NSControl*)control textView:(NSTextView*)__unused editor doCommandBySelector:(SEL)command {
+  return command == @selector(cancelOperation:) && [control abortEditing];
+}
 
 - (void)controlTextDidEndEditing:(NSNotification*)__unused notification {
   if (const auto strong = delegate.lock()) ns::callBack([&] { strong->controlTextDidEndEditing(*field); });
@@ -94,9 +122,12 @@ std::shared_ptr<TextField> TextField::wrappingLabelWithString(const std::string&
   NSTextField* label = [NSTextField wrappingLabelWithString:toNSString(text)];
   // Wrapping labels come selectable, which would make them swallow clicks and change the cursor.
   label.selectable = NO;
+  letShrink(label);
   return std::shared_ptr<TextField>(new TextField(std::make_unique<TextFieldNative>(label)));
 }
-TextField::TextField() : Control(std::make_unique<TextFieldNative>([[NSTextField alloc] initWithFrame:NSZeroRect])) {}
+TextField::TextField() : Control(std::make_unique<TextFieldNative>([[NSTextField alloc] initWithFrame:NSZeroRect])) {
+  nativeView<NSTextField>(*this).usesSingleLineMode = YES;
+}
 
 void TextField::setStringValue(const std::string& text) {
   nativeView<NSTextField>(*this).stringValue = toNSString(text);
@@ -115,11 +146,12 @@ void TextField::setAlignment(TextAlignment alignment) {
       alignment == TextAlignment::Right ? NSTextAlignmentRight : NSTextAlignmentNatural;
 }
 void TextField::setLineBreakMode(LineBreakMode mode) {
+  if (mode == LineBreakMode::TruncatingTail) letShrink(native().view);
   nativeView<NSTextField>(*this).lineBreakMode =
       mode == LineBreakMode::TruncatingTail ? NSLineBreakByTruncatingTail : NSLineBreakByWordWrapping;
 }
 void TextField::setFormatter(NumberFormatter formatter) {
-  NSNumberFormatter* numberFormatter = [[NSNumberFormatter alloc] init];
+  NSNumberFormatter* numberFormatter = [[OstrelNumberFormatter alloc] init];
   numberFormatter.numberStyle = NSNumberFormatterNoStyle;
   numberFormatter.minimum = @(formatter.minimum);
   numberFormatter.maximum = @(formatter.maximum);
@@ -158,7 +190,9 @@ std::shared_ptr<Button> Button::linkWithTitle(const std::string& title, const Fo
 
 std::string Button::title() const { return fromNSString(nativeView<NSButton>(*this).title); }
 void Button::setControlSize(ControlSize size) {
-  nativeView<NSButton>(*this).controlSize = size == ControlSize::Small ? NSControlSizeSmall : NSControlSizeRegular;
+  auto* button = nativeView<NSButton>(*this);
+  button.controlSize = size == ControlSize::Small ? NSControlSizeSmall : NSControlSizeRegular;
+  button.font = [NSFont systemFontOfSize:[NSFont systemFontSizeForControlSize:button.controlSize]];
 }
 
 Switch::Switch() : Control(makeNative([[NSSwitch alloc] initWithFrame:NSZeroRect])) {}
@@ -183,6 +217,7 @@ PopUpButton::PopUpButton()
     : Control(std::make_unique<PopUpNative>([[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:NO])) {
   auto* popUp = nativeView<NSPopUpButton>(*this);
   popUp.menu.autoenablesItems = NO;
+  letShrink(popUp);
   menu().setChangeHandler([this, popUp] { fillPopUp(popUp, menu()); });
 }
 void PopUpButton::removeAllItems() { menu().removeAllItems(); }

@@ -22,6 +22,16 @@ OstrelView* bridgingView(const View& view) {
   return [native isKindOfClass:OstrelView.class] ? static_cast<OstrelView*>(native) : nil;
 }
 
+/// For the view rather than its layer, whose shadow the view resets.
+NSShadow* toNSShadow(const std::optional<Shadow>& look) {
+  if (!look) return nil;
+  NSShadow* shadow = [[NSShadow alloc] init];
+  shadow.shadowColor = toNSColor(look->color.colorWithAlphaComponent(look->color.alphaComponent() * look->opacity));
+  shadow.shadowOffset = look->offset;
+  shadow.shadowBlurRadius = look->radius;
+  return shadow;
+}
+
 NSLayoutConstraintOrientation toNSOrientation(LayoutOrientation orientation) {
   return orientation == LayoutOrientation::Horizontal ? NSLayoutConstraintOrientationHorizontal
                                                       : NSLayoutConstraintOrientationVertical;
@@ -78,6 +88,7 @@ bool View::isHidden() const { return native_->view.hidden; }
 void View::setLayer(const Layer& layer) {
   native_->layer = layer;
   native_->view.wantsLayer = YES;
+  native_->view.shadow = toNSShadow(layer.shadow);
   native_->view.needsDisplay = YES;
 }
 const Layer& View::layer() const { return native_->layer; }
@@ -120,13 +131,18 @@ void View::addCursorRect(CGRect rect, Cursor cursor) {
   [super layout];
   if (owner == nullptr) return;
   ns::callBack([&] { owner->layout(); });
-  // The owner may have moved its gradient.
-  [self placeGradient];
 }
 
 - (void)resetCursorRects {
   [super resetCursorRects];
   if (owner != nullptr) ns::callBack([&] { owner->resetCursorRects(); });
+}
+
+// Labels and pictures take presses without using them; they are their container's.
+- (NSView*)hitTest:(NSPoint)point {
+  NSView* hit = [super hitTest:point];
+  const bool isLabel = [hit isKindOfClass:NSTextField.class] && !static_cast<NSTextField*>(hit).selectable;
+  return isLabel || [hit isKindOfClass:NSImageView.class] ? self : hit;
 }
 
 - (void)mouseDown:(NSEvent*)event {
@@ -143,8 +159,31 @@ void View::addCursorRect(CGRect rect, Cursor cursor) {
   if (_mouseDown != nil) [super mouseDown:_mouseDown];
 }
 
+// Whether setAccessibilityButton() made it one.
+- (BOOL)isPressable {
+  return [self.accessibilityRole isEqualToString:NSAccessibilityButtonRole];
+}
+
+// Like the system's own buttons: only for people who move between all controls by keyboard.
+- (BOOL)acceptsFirstResponder {
+  return self.isPressable && NSApp.fullKeyboardAccessEnabled;
+}
+
+- (void)keyDown:(NSEvent*)event {
+  if (![event.characters isEqualToString:@" "] || ![self accessibilityPerformPress]) [super keyDown:event];
+}
+
+- (NSRect)focusRingMaskBounds {
+  return self.bounds;
+}
+
+- (void)drawFocusRingMask {
+  const CGFloat radius = owner != nullptr ? owner->layer().cornerRadius : 0;
+  [[NSBezierPath bezierPathWithRoundedRect:self.bounds xRadius:radius yRadius:radius] fill];
+}
+
 - (BOOL)accessibilityPerformPress {
-  if (owner == nullptr || ![self.accessibilityRole isEqualToString:NSAccessibilityButtonRole]) return NO;
+  if (owner == nullptr || !self.isPressable) return NO;
   const auto kept = owner->weak_from_this().lock();
   ns::callBack([&] { owner->mouseDown({CGPointMake(NSMidX(self.bounds), NSMidY(self.bounds))}); });
   return YES;
@@ -165,18 +204,16 @@ void View::addCursorRect(CGRect rect, Cursor cursor) {
   layer.borderWidth = look.borderWidth;
   layer.borderColor = look.borderColor ? ns::toNSColor(*look.borderColor).CGColor : nil;
   layer.masksToBounds = look.masksToBounds;
-  if (look.shadow) {
-    // Through the view, which otherwise resets its layer's shadow.
-    NSShadow* shadow = [[NSShadow alloc] init];
-    shadow.shadowColor = [ns::toNSColor(look.shadow->color)
-        colorWithAlphaComponent:look.shadow->color.alphaComponent() * look.shadow->opacity];
-    shadow.shadowOffset = look.shadow->offset;
-    shadow.shadowBlurRadius = look.shadow->radius;
-    self.shadow = shadow;
-  } else {
-    self.shadow = nil;
-  }
+  // A layer without a view fades from one look to the next unless told not to.
+  [CATransaction begin];
+  CATransaction.disableActions = YES;
   [self updateGradient];
+  [CATransaction commit];
+}
+
+- (void)viewDidChangeEffectiveAppearance {
+  [super viewDidChangeEffectiveAppearance];
+  self.needsDisplay = YES;
 }
 
 - (void)updateGradient {
@@ -197,15 +234,7 @@ void View::addCursorRect(CGRect rect, Cursor cursor) {
   _gradient.endPoint = look->endPoint;
   _gradient.cornerRadius = look->cornerRadius;
   _gradient.masksToBounds = look->masksToBounds;
-  [self placeGradient];
-}
-
-- (void)placeGradient {
-  if (_gradient == nil || owner == nullptr || !owner->layer().sublayer) return;
-  [CATransaction begin];
-  CATransaction.disableActions = YES;
-  _gradient.frame = owner->layer().sublayer->frame;
-  [CATransaction commit];
+  _gradient.frame = look->frame;
 }
 
 @end
