@@ -13,6 +13,8 @@ std::unique_ptr<View::Native> makeStackNative(LayoutOrientation orientation, Sta
                                                                  : NSUserInterfaceLayoutOrientationHorizontal;
   stack.alignment = alignment == StackAlignment::Leading ? NSLayoutAttributeLeading : NSLayoutAttributeCenterY;
   stack.spacing = spacing;
+  // Exactly as long as its views and the spacing; the default leaves that to priorities.
+  stack.distribution = NSStackViewDistributionFill;
   return std::make_unique<View::Native>(stack);
 }
 

@@ -51,11 +51,17 @@ NSView* viewOf(const LayoutExpression& expression) {
 void activate(const std::vector<LayoutConstraint>& constraints) {
   assertMainThread();
   for (const LayoutConstraint& constraint : constraints) {
+    NSView* first = viewOf(constraint.first);
+    NSView* second = viewOf(constraint.second);
+    // The framework throws for such a pair, and that would end the program; without the constraint a view is misplaced.
+    const bool isRelated = first != nil && (second == nil || [first ancestorSharedWithView:second] != nil);
+    assert(isRelated);
+    if (!isRelated) continue;
     NSLayoutConstraint* native =
-        [NSLayoutConstraint constraintWithItem:viewOf(constraint.first)
+        [NSLayoutConstraint constraintWithItem:first
                                      attribute:toNSLayoutAttribute(constraint.first.attribute)
                                      relatedBy:toNSLayoutRelation(constraint.relation)
-                                        toItem:viewOf(constraint.second)
+                                        toItem:second
                                      attribute:toNSLayoutAttribute(constraint.second.attribute)
                                     multiplier:1
                                       constant:constraint.second.constant - constraint.first.constant];

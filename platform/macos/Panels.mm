@@ -2,6 +2,12 @@
 
 #import "platform/macos/Bridge.h"
 
+// What is used of the class of uniform types. It is found at run time, because not every copy of the headers declares
+// it; AppKit always loads it.
+@protocol OstrelUniformTypes
++ (id)typeWithIdentifier:(NSString*)identifier;
+@end
+
 namespace ns {
 
 std::size_t Alert::runModal() {
@@ -11,7 +17,12 @@ std::size_t Alert::runModal() {
   alert.messageText = toNSString(messageText_);
   alert.informativeText = toNSString(informativeText_);
   for (const std::string& title : buttonTitles_) [alert addButtonWithTitle:toNSString(title)];
-  return static_cast<std::size_t>([alert runModal] - NSAlertFirstButtonReturn);
+  // A lone button keeps Return, which Escape would take from it.
+  if (alert.buttons.count > 1) alert.buttons.lastObject.keyEquivalent = @"\x1b";
+  const NSModalResponse response = [alert runModal];
+  // A session that was ended from outside counts as Escape.
+  if (response < NSAlertFirstButtonReturn) return buttonTitles_.empty() ? 0 : buttonTitles_.size() - 1;
+  return static_cast<std::size_t>(response - NSAlertFirstButtonReturn);
 }
 
 std::optional<std::string> OpenPanel::runModal() {
@@ -20,14 +31,9 @@ std::optional<std::string> OpenPanel::runModal() {
   panel.canChooseFiles = YES;
   panel.canChooseDirectories = NO;
   panel.allowsMultipleSelection = NO;
-  // The class is looked up because not every copy of the headers carries its declaration; AppKit always loads it.
-  id applicationType = [NSClassFromString(@"UTType") valueForKey:@"class"];
-  SEL typeWithIdentifier = NSSelectorFromString(@"typeWithIdentifier:");
-  using TypeWithIdentifier = id (*)(id, SEL, NSString*);
-  const auto makeType = reinterpret_cast<TypeWithIdentifier>([applicationType methodForSelector:typeWithIdentifier]);
-  if (id type = makeType(applicationType, typeWithIdentifier, @"com.apple.application")) {
-    panel.allowedContentTypes = @[ type ];
-  }
+  const auto types = static_cast<Class<OstrelUniformTypes>>(NSClassFromString(@"UTType"));
+  if (id application = [types typeWithIdentifier:@"com.apple.application"])
+    panel.allowedContentTypes = @[ application ];
   panel.directoryURL = [NSURL fileURLWithPath:toNSString(directory_)];
   panel.prompt = toNSString(prompt_);
   panel.message = toNSString(message_);

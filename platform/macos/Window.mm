@@ -21,6 +21,30 @@
 
 @end
 
+/// Without a main menu nothing carries the usual command keys out: this window does.
+@interface OstrelWindow : NSWindow
+@end
+
+@implementation OstrelWindow
+
+- (BOOL)performKeyEquivalent:(NSEvent*)event {
+  if ([super performKeyEquivalent:event]) return YES;
+  constexpr NSEventModifierFlags kModifiers =
+      NSEventModifierFlagCommand | NSEventModifierFlagShift | NSEventModifierFlagOption | NSEventModifierFlagControl;
+  if ((event.modifierFlags & kModifiers) != NSEventModifierFlagCommand) return NO;
+  NSDictionary<NSString*, NSString*>* actions = @{
+    @"w" : @"performClose:",
+    @"x" : @"cut:",
+    @"c" : @"copy:",
+    @"v" : @"paste:",
+    @"a" : @"selectAll:",
+  };
+  NSString* action = actions[event.characters.lowercaseString];
+  return action != nil && [NSApp sendAction:NSSelectorFromString(action) to:nil from:self];
+}
+
+@end
+
 namespace ns {
 
 struct Window::Native {
@@ -31,12 +55,14 @@ struct Window::Native {
 
 Window::Window(CGRect contentRect, WindowStyleMask styleMask) : native_(std::make_unique<Native>()) {
   assertMainThread();
-  native_->window = [[NSWindow alloc] initWithContentRect:contentRect
-                                                styleMask:styleMask
-                                                  backing:NSBackingStoreBuffered
-                                                    defer:NO];
+  native_->window = [[OstrelWindow alloc] initWithContentRect:contentRect
+                                                    styleMask:styleMask
+                                                      backing:NSBackingStoreBuffered
+                                                        defer:NO];
   // Closing hides it; this object owns it.
   native_->window.releasedWhenClosed = NO;
+  // Views come and go while it is open.
+  native_->window.autorecalculatesKeyViewLoop = YES;
   native_->delegate = [[OstrelWindowDelegate alloc] init];
   native_->window.delegate = native_->delegate;
 }
@@ -54,6 +80,7 @@ void Window::setContentView(const std::shared_ptr<View>& view) {
   NSView* contentView = view->native().view;
   // The window sizes its content view by its frame, not by constraints.
   contentView.translatesAutoresizingMaskIntoConstraints = YES;
+  contentView.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
   native_->window.contentView = contentView;
 }
 std::shared_ptr<View> Window::contentView() const { return native_->contentView; }
