@@ -2,15 +2,30 @@
 
 #import <Foundation/Foundation.h>
 
+#include <algorithm>
+
 namespace ns {
 namespace {
 
 // The wanted encoding by its byte order, so that no byte-order mark is expected or written.
 constexpr NSStringEncoding kScalars = NSUTF32LittleEndianStringEncoding;
 
+/// Nil for malformed UTF-8.
+NSString* decoded(std::string_view text) {
+  return [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
+}
+
 NSString* toString(std::string_view text) {
-  NSString* string = [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
-  return string != nil ? string : @"\uFFFD";
+  if (NSString* string = decoded(text)) return string;
+  NSMutableString* mended = [NSMutableString string];
+  while (!text.empty()) {
+    NSString* scalar = nil;
+    std::size_t length = 0;
+    while (scalar == nil && length < std::min<std::size_t>(4, text.size())) scalar = decoded(text.substr(0, ++length));
+    [mended appendString:scalar != nil ? scalar : @"\uFFFD"];
+    text.remove_prefix(scalar != nil ? length : 1);
+  }
+  return mended;
 }
 
 }  // namespace
