@@ -10,6 +10,7 @@
 
 #include "platform/linux/qt/AccessibleView.h"
 #include "platform/linux/qt/Appearance.h"
+#include "platform/linux/qt/ClickEvents.h"
 #include "platform/linux/qt/TaskBar.h"
 
 namespace ns {
@@ -30,6 +31,7 @@ class QtApplication final : public Application {
  public:
   QtApplication() {
     QApplication::setQuitOnLastWindowClosed(false);
+    qt::ignoreClicksElsewhere();
     qt::installAccessibleViews();
     qt::startAppearance();
   }

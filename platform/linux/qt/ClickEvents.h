@@ -1,0 +1,11 @@
+// Keeps the toolkit asleep while people click.
+#pragma once
+
+namespace qt {
+
+/// Has the X server no longer tell the toolkit about clicks on other programs' windows, which would wake two of its
+/// threads at the very moment when the click is waited for. To be called once the application object exists. Without
+/// effect on other platforms.
+void ignoreClicksElsewhere();
+
+}  // namespace qt
