@@ -5,12 +5,19 @@
 namespace ostrel {
 
 void AppDelegate::applicationDidFinishLaunching() {
+  updaterController_ = spu::StandardUpdaterController::make(true, weak_from_this());
   controller_ = OstrelController::create();
+  setupStatusItem();
   controller_->startIfPossible();
-  // Consent may come at any time, from another process; nobody tells us.
+  // Consent may come or go at any time, from another process; nobody tells us.
   permissionTimer_ = ns::Timer::scheduledTimer(2.0, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->tick();
   });
+}
+
+void AppDelegate::tick() {
+  if (AXIsProcessTrusted()) controller_->startIfPossible();
+  updateStatusItemAppearance();
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -18,12 +25,22 @@ void AppDelegate::applicationWillTerminate() {
   controller_->stop();
 }
 
-std::string AppDelegate::answer(const std::string& request) const {
-  return controller_ ? answerRequest(request, *controller_, [](const std::string&) {}) : std::string();
+std::string AppDelegate::answer(const std::string& request) {
+  if (!controller_) return {};
+  return answerRequest(request, *controller_, [this](const std::string& tab) {
+    settingsWindow().present(tabWithRawValue(tab).value_or(settingsWindow().selectedTab()));
+  });
 }
 
-void AppDelegate::tick() {
-  if (AXIsProcessTrusted()) controller_->startIfPossible();
+void AppDelegate::standardUserDriverWillHandleShowingUpdate(bool, const spu::AppcastItem&,
+                                                            const spu::UserUpdateState&) {
+  const auto app = ns::Application::sharedApplication();
+  app->setActivationPolicy(ns::ActivationPolicy::Regular);
+  app->activateIgnoringOtherApps();
+}
+
+void AppDelegate::standardUserDriverDidReceiveUserAttentionForUpdate(const spu::AppcastItem&) {
+  ns::Application::sharedApplication()->setActivationPolicy(ns::ActivationPolicy::Accessory);
 }
 
 }  // namespace ostrel

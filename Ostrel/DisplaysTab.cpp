@@ -122,8 +122,9 @@ void SettingsWindowController::updateMargin(MarginKey key, double value) {
 
 void SettingsWindowController::displayChanged(ns::PopUpButton& sender) {
   const auto item = sender.selectedItem();
-  if (!item || !item->representedObject()) return;
-  const auto* const id = item->representedObject()->as<std::int64_t>();
+  if (!item) return;
+  const std::optional<ns::PropertyList>& object = item->representedObject();
+  const auto* const id = object ? object->as<std::int64_t>() : nullptr;
   if (id == nullptr) return;
   selectedDisplayID_ = static_cast<CGDirectDisplayID>(*id);
   syncControls();

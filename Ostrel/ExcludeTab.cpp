@@ -9,7 +9,7 @@
 namespace ostrel {
 namespace {
 
-std::string withoutAppSuffixes(std::string name) {
+std::string withoutAppSuffixes(const std::string& name) {
   constexpr std::string_view suffix = ".app";
   std::string result;
   for (std::size_t start = 0;;) {
