@@ -2,10 +2,10 @@
 
 #include <QProcess>
 #include <QUrl>
-#include <utility>
 
 #include "platform/linux/freedesktop/Consent.h"
 #include "platform/linux/freedesktop/DesktopEntries.h"
+#include "platform/linux/freedesktop/IconLoader.h"
 
 namespace freedesktop {
 namespace {
@@ -13,14 +13,7 @@ namespace {
 constexpr std::string_view privacyLink =
     "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 
-LinuxWorkspace::IconLoader& iconLoader() {
-  static LinuxWorkspace::IconLoader loader;
-  return loader;
-}
-
 }  // namespace
-
-void LinuxWorkspace::setIconLoader(IconLoader loader) { iconLoader() = std::move(loader); }
 
 bool LinuxWorkspace::openURL(const std::string& url) {
   if (url == privacyLink) {
@@ -39,7 +32,7 @@ std::optional<std::string> LinuxWorkspace::URLForApplicationWithBundleIdentifier
 
 std::shared_ptr<ns::Image> LinuxWorkspace::iconForFile(const std::string& path) {
   const std::optional<DesktopEntry> entry = readDesktopEntry(path);
-  return iconLoader() ? iconLoader()(entry ? entry->icon : std::string()) : nullptr;
+  return loadIcon(entry ? entry->icon : std::string());
 }
 
 }  // namespace freedesktop

@@ -1,7 +1,6 @@
 // The workspace of a freedesktop session.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,11 +13,6 @@ namespace freedesktop {
 class LinuxWorkspace final : public desktop::DesktopWorkspace {
  public:
   using desktop::DesktopWorkspace::DesktopWorkspace;
-
-  /// Makes a picture from what an entry names as its icon (a theme name, an absolute path, or nothing). Set by the user
-  /// interface; without one no file has an icon.
-  using IconLoader = std::function<std::shared_ptr<ns::Image>(const std::string& icon)>;
-  static void setIconLoader(IconLoader loader);
 
   /// The deep link to the privacy settings opens the dialog that asks for consent. Everything else goes to the
   /// desktop's own opener, which is not waited for.

@@ -9,6 +9,8 @@
 #include <QStandardPaths>
 #include <utility>
 
+#include "platform/linux/qt/SessionBus.h"
+
 namespace qt {
 namespace {
 
@@ -32,12 +34,6 @@ bool toolkitIsDark() {
     if (isDarkName(settings.value(QLatin1String("Settings/gtk-theme-name")).toString())) return true;
   }
   return false;
-}
-
-/// Whether there is a session bus; asking for the connection without one would start a bus.
-bool hasSessionBus() {
-  return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-         QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QLatin1String("/bus"));
 }
 
 }  // namespace

@@ -1,0 +1,70 @@
+#include "platform/linux/qt/ConsentPrompt.h"
+
+#include <QPointer>
+
+#include "platform/linux/freedesktop/Consent.h"
+#include "platform/linux/qt/MessageDialog.h"
+
+namespace qt {
+namespace {
+
+MessageContent question() {
+  MessageContent content;
+  content.symbol = "accessibility";
+  content.symbolColor = ns::Color::systemBlueColor();
+  content.message = QStringLiteral("“Ostrel” would like to control this computer using accessibility features.");
+  content.informative = QStringLiteral(
+      "Ostrel needs this to notice clicks on the title-bar buttons of other applications’ windows, and to move, resize "
+      "and hide those windows. Without it, every click does what it always did.\n\n"
+      "You can change this later in Ostrel’s settings, or with the command “ostrel accessibility revoke”.");
+  content.buttons = {QStringLiteral("Allow"), QStringLiteral("Don’t Allow")};
+  content.hasDefaultButton = false;
+  return content;
+}
+
+/// The same place once consent is given.
+MessageContent review() {
+  MessageContent content;
+  content.symbol = "accessibility";
+  content.symbolColor = ns::Color::systemBlueColor();
+  content.message = QStringLiteral("“Ostrel” may control this computer using accessibility features.");
+  content.informative = QStringLiteral(
+      "It notices clicks on the title-bar buttons of other applications’ windows, and moves, resizes and hides those "
+      "windows. When you withdraw the access, these buttons get their usual behavior back.");
+  content.buttons = {QStringLiteral("Withdraw Access"), QStringLiteral("Keep Access")};
+  content.hasDefaultButton = false;
+  return content;
+}
+
+void record(bool granted) {
+  const auto error = freedesktop::Consent::shared().set(granted);
+  if (!error) return;
+  MessageContent content;
+  content.symbol = "exclamationmark.triangle.fill";
+  content.message = QStringLiteral("Your choice couldn’t be saved.");
+  content.informative = QString::fromStdString(*error);
+  content.buttons = {QStringLiteral("OK")};
+  (new MessageDialog(content))->showAndTell([](std::size_t) {});
+}
+
+}  // namespace
+
+void showConsentPrompt() {
+  static QPointer<MessageDialog> open;
+  if (open && open->isVisible()) {
+    open->raise();
+    open->activateWindow();
+    return;
+  }
+  const bool wasTrusted = freedesktop::Consent::shared().isTrusted();
+  open = new MessageDialog(wasTrusted ? review() : question());
+  open->showAndTell([wasTrusted](std::size_t button) {
+    if (!wasTrusted) {
+      record(button == 0);
+    } else if (button == 0) {
+      record(false);
+    }
+  });
+}
+
+}  // namespace qt

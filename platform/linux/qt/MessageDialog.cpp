@@ -1,0 +1,157 @@
+#include "platform/linux/qt/MessageDialog.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "platform/linux/qt/Appearance.h"
+#include "platform/linux/qt/Bezel.h"
+#include "platform/linux/qt/ImageNative.h"
+#include "platform/linux/qt/LayerPainter.h"
+#include "platform/linux/qt/TaskBar.h"
+
+namespace qt {
+namespace {
+
+constexpr double buttonRadius = 6;
+constexpr int textWidth = 330;
+constexpr double symbolPointSize = 36;
+
+/// A symbol that keeps its colour when light and dark change.
+class SymbolView final : public QWidget {
+ public:
+  SymbolView(const std::string& name, ns::Color tint) : tint_(tint) {
+    if (const auto symbol = ns::Image::imageWithSystemSymbolName(name)) {
+      image_ = symbol->imageWithSymbolConfiguration({symbolPointSize});
+      setFixedSize(image_->native().size().toSize());
+    }
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    if (!image_) return;
+    QPainter painter(this);
+    painter.drawPixmap(QPointF(), image_->native().pixmap(devicePixelRatio(), color(tint_)));
+  }
+
+ private:
+  ns::Color tint_;
+  std::shared_ptr<ns::Image> image_;
+};
+
+QLabel* makeText(const QString& text, const ns::Font& style) {
+  auto* const label = new QLabel(text);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setFont(font(style));
+  label->setFixedWidth(textWidth);
+  return label;
+}
+
+}  // namespace
+
+DialogButton::DialogButton(const QString& title, QWidget* parent) : QPushButton(title, parent) {
+  setFont(qt::font(ns::Font::systemFontOfSize(13)));
+  setAutoDefault(false);
+}
+
+QSize DialogButton::sizeHint() const { return {std::max(fontMetrics().horizontalAdvance(text()) + 28, 76), 28}; }
+
+void DialogButton::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  // Room for the focus ring and the shadow below.
+  const QRectF face = QRectF(rect()).adjusted(2, 2, -2, -2);
+  if (isDefault() && isEnabled()) {
+    QColor fill = color(ns::Color::controlAccentColor());
+    if (isDown()) fill = fill.darker(115);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawRoundedRect(face, buttonRadius, buttonRadius);
+  } else {
+    paintBezel(painter, face, buttonRadius, isDown());
+  }
+  const bool isFilled = isDefault() && isEnabled();
+  painter.setPen(isFilled ? QColor(Qt::white)
+                          : color(ns::Color::labelColor().colorWithAlphaComponent(isEnabled() ? 1 : 0.4)));
+  painter.drawText(face, Qt::AlignCenter | Qt::TextShowMnemonic, text());
+  if (!hasFocus()) return;
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(color(ControlColor::FocusRing), 2));
+  painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), buttonRadius + 1, buttonRadius + 1);
+}
+
+void prepareDialog(QDialog& dialog) {
+  dialog.setWindowTitle(QStringLiteral("Ostrel"));
+  dialog.setFont(qt::font(ns::Font::systemFontOfSize(13)));
+  applyTaskBarPolicy(dialog);
+}
+
+QWidget* dialogParent() {
+  if (auto* const modal = QApplication::activeModalWidget()) return modal;
+  auto* const active = QApplication::activeWindow();
+  return active && active->windowType() != Qt::Popup ? active : nullptr;
+}
+
+MessageDialog::MessageDialog(const MessageContent& content, QWidget* parent)
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+      lastButton_(static_cast<int>(content.buttons.size()) - 1) {
+  auto* const texts = new QVBoxLayout;
+  texts->setSpacing(6);
+  texts->addWidget(makeText(content.message, ns::Font::systemFontOfSize(14, ns::FontWeight::Semibold)));
+  if (!content.informative.isEmpty()) {
+    texts->addWidget(makeText(content.informative, ns::Font::systemFontOfSize(12)));
+  }
+  texts->addStretch();
+  auto* const upper = new QHBoxLayout;
+  upper->setSpacing(16);
+  if (!content.symbol.empty()) {
+    upper->addWidget(new SymbolView(content.symbol, content.symbolColor), 0, Qt::AlignTop);
+  }
+  upper->addLayout(texts);
+  auto* const row = new QHBoxLayout;
+  row->setSpacing(8);
+  row->addStretch();
+  for (int index = lastButton_; index >= 0; --index) {
+    auto* const button = new DialogButton(content.buttons[index]);
+    if (index == 0 && content.hasDefaultButton) button->setDefault(true);
+    connect(button, &QPushButton::clicked, this, [this, index] { done(index + 1); });
+    row->addWidget(button);
+  }
+  auto* const whole = new QVBoxLayout(this);
+  whole->setContentsMargins(20, 20, 18, 16);
+  whole->setSpacing(18);
+  whole->addLayout(upper);
+  whole->addLayout(row);
+  whole->setSizeConstraint(QLayout::SetFixedSize);
+  setAccessibleName(content.message);
+  setAccessibleDescription(content.informative);
+  // Without a default button no key is to choose by accident.
+  setFocusPolicy(Qt::StrongFocus);
+  if (!content.hasDefaultButton) setFocus();
+  prepareDialog(*this);
+}
+
+std::size_t MessageDialog::answer() const {
+  return static_cast<std::size_t>(result() == Rejected ? lastButton_ : result() - 1);
+}
+
+void MessageDialog::showAndTell(std::function<void(std::size_t)> chosen) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  connect(this, &QDialog::finished, this, [this, chosen = std::move(chosen)] { chosen(answer()); });
+  show();
+  raise();
+  activateWindow();
+}
+
+std::size_t MessageDialog::ask() {
+  exec();
+  return answer();
+}
+
+}  // namespace qt
+
+#include "moc_MessageDialog.cpp"

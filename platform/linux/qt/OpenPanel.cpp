@@ -1,0 +1,155 @@
+#include "platform/linux/qt/OpenPanel.h"
+
+#include <QCoreApplication>
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QSortFilterProxyModel>
+#include <QStandardItemModel>
+#include <QVBoxLayout>
+
+#include "platform/Panels.h"
+#include "platform/linux/freedesktop/DesktopEntries.h"
+#include "platform/linux/qt/Appearance.h"
+#include "platform/linux/qt/Icons.h"
+#include "platform/linux/qt/MessageDialog.h"
+
+namespace qt {
+namespace {
+
+constexpr int pathRole = Qt::UserRole;
+constexpr int iconRole = Qt::UserRole + 1;
+
+/// Loads an icon when its row is painted: a desktop has hundreds of applications.
+class ApplicationModel final : public QStandardItemModel {
+ public:
+  using QStandardItemModel::QStandardItemModel;
+  QVariant data(const QModelIndex& index, int role) const override {
+    if (role != Qt::DecorationRole) return QStandardItemModel::data(index, role);
+    return applicationIcon(QStandardItemModel::data(index, iconRole).toString().toStdString());
+  }
+};
+
+ApplicationModel* installedApplications(QObject* parent) {
+  auto* const model = new ApplicationModel(parent);
+  for (const auto& entry : freedesktop::DesktopEntries::shared().entries()) {
+    if (entry.hidden) continue;
+    auto* const row = new QStandardItem(QString::fromStdString(entry.name));
+    row->setData(QString::fromStdString(entry.path), pathRole);
+    row->setData(QString::fromStdString(entry.icon), iconRole);
+    row->setToolTip(QString::fromStdString(entry.path));
+    row->setEditable(false);
+    row->setSizeHint({0, 34});
+    model->appendRow(row);
+  }
+  return model;
+}
+
+}  // namespace
+
+ApplicationChooser::ApplicationChooser(const std::string& message, const std::string& prompt, QWidget* parent)
+    : QDialog(parent),
+      search_(new QLineEdit),
+      list_(new QListView),
+      shown_(new QSortFilterProxyModel(this)),
+      confirm_(new DialogButton(QString::fromStdString(prompt.empty() ? "Open" : prompt))) {
+  prepareDialog(*this);
+  shown_->setSourceModel(installedApplications(this));
+  shown_->setFilterCaseSensitivity(Qt::CaseInsensitive);
+  shown_->setSortCaseSensitivity(Qt::CaseInsensitive);
+  shown_->setSortLocaleAware(true);
+  shown_->sort(0);
+
+  auto* const title = new QLabel(QString::fromStdString(message));
+  title->setTextFormat(Qt::PlainText);
+  title->setWordWrap(true);
+  title->setFont(qt::font(ns::Font::systemFontOfSize(14, ns::FontWeight::Semibold)));
+  search_->setPlaceholderText(QStringLiteral("Search"));
+  search_->setAccessibleName(QStringLiteral("Search applications"));
+  search_->setClearButtonEnabled(true);
+  search_->installEventFilter(this);
+  list_->setModel(shown_);
+  list_->setIconSize({24, 24});
+  list_->setUniformItemSizes(true);
+  list_->setAccessibleName(QStringLiteral("Applications"));
+  list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+
+  auto* const browse = new DialogButton(QStringLiteral("Browse…"));
+  auto* const cancel = new DialogButton(QStringLiteral("Cancel"));
+  confirm_->setDefault(true);
+  auto* const buttons = new QHBoxLayout;
+  buttons->setSpacing(8);
+  buttons->addWidget(browse);
+  buttons->addStretch();
+  buttons->addWidget(cancel);
+  buttons->addWidget(confirm_);
+  auto* const whole = new QVBoxLayout(this);
+  whole->setContentsMargins(18, 18, 18, 14);
+  whole->setSpacing(12);
+  if (!message.empty()) whole->addWidget(title);
+  whole->addWidget(search_);
+  whole->addWidget(list_);
+  whole->addLayout(buttons);
+
+  connect(search_, &QLineEdit::textChanged, this, &ApplicationChooser::filter);
+  connect(list_, &QListView::doubleClicked, this, &ApplicationChooser::chooseCurrent);
+  connect(confirm_, &QPushButton::clicked, this, &ApplicationChooser::chooseCurrent);
+  connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+  connect(browse, &QPushButton::clicked, this, &ApplicationChooser::browse);
+  resize(440, 480);
+  filter({});
+  search_->setFocus();
+}
+
+void ApplicationChooser::filter(const QString& text) {
+  shown_->setFilterFixedString(text);
+  // The first match is at hand for Return.
+  list_->setCurrentIndex(shown_->index(0, 0));
+  confirm_->setEnabled(list_->currentIndex().isValid());
+}
+
+bool ApplicationChooser::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == search_ && event->type() == QEvent::KeyPress) {
+    switch (static_cast<const QKeyEvent*>(event)->key()) {
+      case Qt::Key_Up:
+      case Qt::Key_Down:
+      case Qt::Key_PageUp:
+      case Qt::Key_PageDown:
+        // The list moves while the person goes on typing.
+        QCoreApplication::sendEvent(list_, event);
+        return true;
+      default:
+        break;
+    }
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+void ApplicationChooser::chooseCurrent() {
+  const QModelIndex current = list_->currentIndex();
+  if (!current.isValid()) return;
+  chosen_ = current.data(pathRole).toString().toStdString();
+  accept();
+}
+
+void ApplicationChooser::browse() {
+  const QString file =
+      QFileDialog::getOpenFileName(this, windowTitle(), {}, QStringLiteral("Applications (*.desktop);;All files (*)"),
+                                   nullptr, QFileDialog::DontResolveSymlinks);
+  if (file.isEmpty()) return;
+  chosen_ = file.toStdString();
+  accept();
+}
+
+}  // namespace qt
+
+std::optional<std::string> ns::OpenPanel::runModal() {
+  qt::ApplicationChooser chooser(message_, prompt_, qt::dialogParent());
+  chooser.exec();
+  return chooser.chosenPath();
+}
+
+#include "moc_OpenPanel.cpp"

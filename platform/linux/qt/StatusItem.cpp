@@ -1,0 +1,143 @@
+#include <QCursor>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPointer>
+#include <QSystemTrayIcon>
+#include <memory>
+#include <utility>
+
+#include "platform/StatusBar.h"
+#include "platform/linux/qt/Appearance.h"
+#include "platform/linux/qt/ImageNative.h"
+#include "platform/linux/qt/MenuWidget.h"
+#include "platform/linux/qt/NotifierItem.h"
+#include "platform/linux/qt/Session.h"
+#include "platform/linux/qt/TrayHosts.h"
+
+namespace ns {
+namespace {
+
+/// The sizes in pixels that panels ask for, so that no picture is scaled on the usual ones.
+constexpr int iconSides[] = {16, 18, 20, 22, 24, 28, 32, 36, 44, 48, 64};
+
+/// Panels do not say how they look. Those of GNOME are dark on a light desktop too; the others go with the desktop.
+QColor panelTint() {
+  const bool isDark = qt::isDark() || qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("GNOME"));
+  return isDark ? QColor(0xF2, 0xF2, 0xF4) : QColor(0x30, 0x30, 0x34);
+}
+
+QPixmap drawnTitle(const QString& title, int side, const QColor& tint) {
+  QPixmap pixmap(side, side);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  QFont font = qt::font(Font::systemFontOfSize(side * 0.7, FontWeight::Semibold));
+  while (font.pixelSize() > 6 && QFontMetrics(font).horizontalAdvance(title) > side) {
+    font.setPixelSize(font.pixelSize() - 1);
+  }
+  painter.setFont(font);
+  painter.setPen(tint);
+  painter.drawText(pixmap.rect(), Qt::AlignCenter, title);
+  return pixmap;
+}
+
+/// Shows itself in whichever tray there is, and moves when the desktop's panel changes.
+class TrayItem final : public QObject, public StatusItem, public StatusBarButton {
+ public:
+  TrayItem() : hosts_([this] { place(true); }) { qGuiApp->installEventFilter(this); }
+
+  void setVisible(bool visible) override {
+    if (std::exchange(isVisible_, visible) != visible) place(false);
+  }
+  void setMenu(std::shared_ptr<Menu> menu) override { menu_ = std::move(menu); }
+  StatusBarButton* button() override { return this; }
+
+  void setImage(std::shared_ptr<Image> image) override {
+    // Told every few seconds, mostly the same.
+    const auto name = [](const auto& which) { return which ? which->native().symbolName : std::string(); };
+    const bool isSame = !image == !image_ && !name(image).empty() && name(image) == name(image_);
+    image_ = std::move(image);
+    if (!isSame) showIcon();
+  }
+  void setTitle(const std::string& title) override {
+    const QString wanted = QString::fromStdString(title);
+    if (std::exchange(title_, wanted) != wanted && !image_) showIcon();
+  }
+  void setToolTip(const std::string& toolTip) override {
+    const QString wanted = QString::fromStdString(toolTip);
+    if (std::exchange(toolTip_, wanted) != wanted) showToolTip();
+  }
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) showIcon();
+    return QObject::eventFilter(watched, event);
+  }
+
+ private:
+  /// `isNew` when the panel may be another one than before.
+  void place(bool isNew) {
+    const qt::TrayHost host = isVisible_ ? hosts_.current() : qt::TrayHost::None;
+    if (host != qt::TrayHost::StatusNotifier) notifier_.reset();
+    if (host != qt::TrayHost::XEmbed || isNew) embedded_.reset();
+    if (host == qt::TrayHost::StatusNotifier) {
+      if (notifier_) {
+        notifier_->registerWithWatcher();
+        return;
+      }
+      notifier_ = std::make_unique<qt::NotifierItem>([this](QPoint point) { openMenu(point); });
+    } else if (host == qt::TrayHost::XEmbed && !embedded_) {
+      // The toolkit decides at the first one which kind it makes from then on; here there is no host of the other.
+      embedded_ = std::make_unique<QSystemTrayIcon>();
+      QObject::connect(embedded_.get(), &QSystemTrayIcon::activated, this, [this] { openMenu(QCursor::pos()); });
+    }
+    showIcon();
+    showToolTip();
+    if (embedded_) embedded_->show();
+  }
+
+  QIcon icon() const {
+    QIcon result;
+    for (const int side : iconSides) {
+      result.addPixmap(image_ ? image_->native().pixmap(QSizeF(side, side), 1.0, panelTint())
+                              : drawnTitle(title_, side, panelTint()));
+    }
+    return result;
+  }
+
+  void showIcon() {
+    if (notifier_) notifier_->setIcon(icon());
+    if (embedded_) embedded_->setIcon(icon());
+  }
+
+  void showToolTip() {
+    if (notifier_) notifier_->setToolTip(toolTip_);
+    if (embedded_) embedded_->setToolTip(toolTip_);
+  }
+
+  void openMenu(QPoint point) {
+    if (!menu_ || (shown_ && shown_->isVisible())) return;
+    menu_->update();
+    shown_ = new qt::MenuWidget(*menu_);
+    shown_->setAttribute(Qt::WA_DeleteOnClose);
+    shown_->popup(point);
+  }
+
+  bool isVisible_ = false;
+  std::shared_ptr<Menu> menu_;
+  std::shared_ptr<Image> image_;
+  QString title_;
+  QString toolTip_;
+  QPointer<qt::MenuWidget> shown_;
+  std::unique_ptr<qt::NotifierItem> notifier_;
+  std::unique_ptr<QSystemTrayIcon> embedded_;
+  qt::TrayHosts hosts_;
+};
+
+}  // namespace
+
+std::shared_ptr<StatusItem> StatusBar::statusItemWithVariableLength() {
+  qt::joinSession();
+  return std::make_shared<TrayItem>();
+}
+
+}  // namespace ns

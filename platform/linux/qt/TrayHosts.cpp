@@ -1,0 +1,113 @@
+#include "platform/linux/qt/TrayHosts.h"
+
+#include <xcb/xcb.h>
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QGuiApplication>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/qt/SessionBus.h"
+
+namespace qt {
+namespace {
+
+const auto watcherService = QString::fromLatin1(notifierWatcher);
+const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+template <typename Reply>
+using Owned = std::unique_ptr<Reply, decltype(&std::free)>;
+template <typename Reply>
+Owned<Reply> owned(Reply* reply) {
+  return {reply, std::free};
+}
+
+/// Null off screen.
+xcb_connection_t* connection() {
+  const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return x11 ? x11->connection() : nullptr;
+}
+
+xcb_atom_t atom(xcb_connection_t* x11, std::string_view name) {
+  const auto cookie = xcb_intern_atom(x11, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  const auto reply = owned(xcb_intern_atom_reply(x11, cookie, nullptr));
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+/// Qt shows items on the first screen only, and that is the one that every tray of today serves.
+bool hasEmbeddingTray() {
+  xcb_connection_t* const x11 = connection();
+  if (!x11) return false;
+  static const xcb_atom_t selection = atom(x11, "_NET_SYSTEM_TRAY_S0");
+  const auto reply = owned(xcb_get_selection_owner_reply(x11, xcb_get_selection_owner(x11, selection), nullptr));
+  return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+}  // namespace
+
+TrayHosts::TrayHosts(std::function<void()> changed) : changed_(std::move(changed)) {
+  qGuiApp->installNativeEventFilter(this);
+  if (!hasSessionBus()) {
+    isAnswered_ = true;
+    tell();
+    return;
+  }
+  auto bus = QDBusConnection::sessionBus();
+  const auto* services = new QDBusServiceWatcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+  connect(services, &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayHosts::ask);
+  for (const auto* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+    bus.connect(watcherService, watcherPath, watcherService, QLatin1String(signal), this, SLOT(ask()));
+  }
+  ask();
+}
+
+TrayHosts::~TrayHosts() { qGuiApp->removeNativeEventFilter(this); }
+
+TrayHost TrayHosts::current() const {
+  if (!isAnswered_) return TrayHost::None;
+  if (hasNotifierHost_) return TrayHost::StatusNotifier;
+  return hasEmbeddingTray() ? TrayHost::XEmbed : TrayHost::None;
+}
+
+void TrayHosts::ask() {
+  auto message = QDBusMessage::createMethodCall(
+      watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+  message << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
+  message.setAutoStartService(false);
+  // The deadline is for a watcher that hangs: then the other kind of tray is looked for.
+  const auto* call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message, 3000), this);
+  connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
+    finished->deleteLater();
+    const QDBusPendingReply<QDBusVariant> reply = *finished;
+    hasNotifierHost_ = !reply.isError() && reply.value().variant().toBool();
+    isAnswered_ = true;
+    changed_();
+  });
+}
+
+bool TrayHosts::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
+  if (type != "xcb_generic_event_t") return false;
+  const auto* const event = static_cast<const xcb_generic_event_t*>(message);
+  if ((event->response_type & 0x7FU) != XCB_CLIENT_MESSAGE) return false;
+  // A tray that comes announces itself to the root window.
+  static const xcb_atom_t manager = atom(connection(), "MANAGER");
+  static const xcb_atom_t selection = atom(connection(), "_NET_SYSTEM_TRAY_S0");
+  const auto* const announcement = reinterpret_cast<const xcb_client_message_event_t*>(event);
+  if (announcement->type == manager && announcement->data.data32[1] == selection) tell();
+  return false;
+}
+
+void TrayHosts::tell() {
+  QMetaObject::invokeMethod(
+      this, [this] { changed_(); }, Qt::QueuedConnection);
+}
+
+}  // namespace qt
+
+#include "moc_TrayHosts.cpp"
