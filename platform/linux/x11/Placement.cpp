@@ -168,6 +168,8 @@ void Placement::handle(const xcb_generic_event_t& event) {
   switch (event.response_type & 0x7f) {
     case XCB_CONFIGURE_NOTIFY:
       window = reinterpret_cast<const xcb_configure_notify_event_t&>(event).window;
+      // Only those that a window manager sends on are about the root window's coordinates.
+      if ((event.response_type & 0x80) != 0) handleMove(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
       break;
     case XCB_PROPERTY_NOTIFY: {
       const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
@@ -185,6 +187,15 @@ void Placement::handle(const xcb_generic_event_t& event) {
       return;
   }
   if (const auto job = jobs_.find(window); job != jobs_.end()) job->second.dirty = true;
+}
+
+void Placement::handleMove(const xcb_configure_notify_event_t& move) {
+  const auto found = jobs_.find(move.window);
+  if (found == jobs_.end() || found->second.phase == Phase::Restoring) return;
+  Job& job = found->second;
+  const Rect wanted = job.target;
+  const Rect frame = visibleFrame({move.x, move.y, move.width, move.height}, job.asked.decoration, job.asked.shadow);
+  if (frame.x == wanted.x && frame.y == wanted.y) job.wasThere = true;
 }
 
 bool Placement::begin(xcb_window_t client, Job& job, const PlacementGoal& goal) {
@@ -211,13 +222,21 @@ bool Placement::advance(xcb_window_t client, Job& job, bool timedOut) {
   const auto now = GeometryRequest(*connection_, atoms_, client).receive();
   if (!now || (timedOut && job.phase == Phase::Watching)) return finish(client);
   if (job.phase == Phase::Restoring) return (now->isConfined() && !timedOut) || ask(client, job, *now);
-  if (now->frame() == job.target) return job.phase == Phase::Watching || arrived(client, job);
+  // Confined again by somebody else's wish, or for good: nothing more to be had.
+  if (now->isConfined()) return finish(client);
+  const Rect frame = now->frame();
+  if (frame == job.target) return job.phase == Phase::Watching || arrived(client, job);
+  // It has been there and is gone: somebody else moves it, and is not to be fought. Where it was before, it may not
+  // have moved yet: some tell of a move before they make it.
+  const bool isElsewhere = (frame.x != job.target.x || frame.y != job.target.y) && frame != job.asked.frame();
+  if (job.wasThere && isElsewhere && sameExtents(*now, job.asked)) return finish(client);
   if (!sameExtents(*now, job.asked) && job.requests < kMostRequests) return ask(client, job, *now);
   if (job.phase == Phase::Watching) return true;
   if (!timedOut) {
     job.deadline = Clock::now() + kQuiet;
     return true;
   }
+  forgetExpectation(client);
   if (job.requests == 1 && !isAsGoodAsItGets(client, job, *now)) return ask(client, job, *now);
   return arrived(client, job);
 }
@@ -226,6 +245,7 @@ bool Placement::ask(xcb_window_t client, Job& job, const WindowGeometry& now) {
   requestMoveResize(*connection_, atoms_, client, requestForFrame(job.target, now.decoration, now.shadow));
   job.phase = Phase::Verifying;
   job.asked = now;
+  job.wasThere = false;
   ++job.requests;
   job.deadline = Clock::now() + kAnswering;
   return true;
@@ -235,17 +255,20 @@ bool Placement::arrived(xcb_window_t client, Job& job) {
   if (!job.wasConfined) return finish(client);
   job.phase = Phase::Watching;
   job.deadline = Clock::now() + kWatching;
-  const ns::LockGuard guard(shared_->lock);
-  shared_->underWay.erase(client);
+  forgetExpectation(client);
   return true;
 }
 
 bool Placement::finish(xcb_window_t client) {
   const std::uint32_t none = XCB_EVENT_MASK_NO_EVENT;
   xcb_change_window_attributes(connection_->get(), client, XCB_CW_EVENT_MASK, &none);
+  forgetExpectation(client);
+  return false;
+}
+
+void Placement::forgetExpectation(xcb_window_t client) {
   const ns::LockGuard guard(shared_->lock);
   shared_->underWay.erase(client);
-  return false;
 }
 
 bool Placement::isAsGoodAsItGets(xcb_window_t client, const Job& job, const WindowGeometry& now) const {

@@ -39,8 +39,9 @@ class Placement {
   /// Adds to the window's goal. Nothing is asked of the window manager before the current task of the main queue has
   /// ended, so that position, size and position again, written one after the other, become one request. Main thread.
   void want(xcb_window_t client, const PlacementGoal& goal);
-  /// `actual` as it will be once what is wanted has been carried out; `actual` itself when nothing is under way. A
-  /// second click that comes before the first one's move is done reckons with its outcome. Any thread.
+  /// `actual` as it will be once what is wanted has been carried out; `actual` itself when nothing is under way, when
+  /// the window manager leaves a request unanswered and when somebody else has moved the window since. A second click
+  /// that comes before the first one's move is done reckons with its outcome. Any thread.
   Rect expectedFrame(xcb_window_t client, const Rect& actual) const;
 
  private:
@@ -53,6 +54,8 @@ class Placement {
     WindowGeometry asked;
     int requests = 0;
     bool wasConfined = false;
+    /// Whether the window has been where the last request wants it, even if it has gone on since.
+    bool wasThere = false;
     bool dirty = false;
     /// When to go on even if no event comes.
     Clock::time_point deadline;
@@ -62,12 +65,14 @@ class Placement {
   void run();
   void takeGoals();
   void handle(const xcb_generic_event_t& event);
+  void handleMove(const xcb_configure_notify_event_t& move);
   /// Each answers whether the job goes on.
   bool begin(xcb_window_t client, Job& job, const PlacementGoal& goal);
   bool advance(xcb_window_t client, Job& job, bool timedOut);
   bool ask(xcb_window_t client, Job& job, const WindowGeometry& now);
   bool arrived(xcb_window_t client, Job& job);
   bool finish(xcb_window_t client);
+  void forgetExpectation(xcb_window_t client);
   bool isAsGoodAsItGets(xcb_window_t client, const Job& job, const WindowGeometry& now) const;
   int untilNextDeadline() const;
 

@@ -111,15 +111,16 @@ WindowProperties PropertiesRequest::receive() {
 }
 
 pid_t processOfWindow(const Connection& connection, const Atoms& atoms, xcb_window_t window) {
-  const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+  const xcb_res_client_id_spec_t asked{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
   const auto claimed = requestProperty(connection, window, atoms.netWmPid);
   const auto reply =
-      connection.reply(xcb_res_query_client_ids_reply, xcb_res_query_client_ids(connection.get(), 1, &spec));
+      connection.reply(xcb_res_query_client_ids_reply, xcb_res_query_client_ids(connection.get(), 1, &asked));
   const auto claim = propertyItems(receiveProperty(connection, claimed));
   if (reply) {
     for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0;
          xcb_res_client_id_value_next(&ids)) {
-      if ((ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+      const auto& [kind, length] = *ids.data;
+      if ((kind.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
           xcb_res_client_id_value_value_length(ids.data) > 0) {
         return static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data));
       }
