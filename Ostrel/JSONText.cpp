@@ -1,8 +1,10 @@
 #include "Ostrel/JSONText.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
+#include <iomanip>
+#include <limits>
+#include <locale>
+#include <sstream>
 
 #include "platform/Text.h"
 
@@ -29,9 +31,14 @@ std::string jsonText(std::string_view text) {
 
 std::string jsonNumber(double number) {
   if (!std::isfinite(number)) return "null";
-  std::array<char, 32> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  return {digits.data(), end};
+  // std::to_chars would do, but macOS has it for such numbers only since 13.3. Most numbers need 15 digits, some more.
+  for (int digits = std::numeric_limits<double>::digits10;; ++digits) {
+    std::stringstream text;
+    text.imbue(std::locale::classic());
+    text << std::setprecision(digits) << number;
+    double read = 0;
+    if (digits == std::numeric_limits<double>::max_digits10 || ((text >> read) && read == number)) return text.str();
+  }
 }
 
 }  // namespace ostrel
