@@ -65,8 +65,8 @@ class WindowWidget final : public QWidget {
 
   std::shared_ptr<ns::View> content;
   std::weak_ptr<ns::WindowDelegate> delegate;
-  QSize contentMinimum;
-  QSize windowMinimum;
+  QSize contentMinimum{0, 0};
+  QSize windowMinimum{0, 0};
   /// The frame that center() reckoned with; none before the first.
   std::optional<QMargins> centredWith;
 
