@@ -45,6 +45,9 @@ class AppKitApplication final : public Application {
   void activateIgnoringOtherApps() override { [NSApp activateIgnoringOtherApps:YES]; }
   void run() override {
     @autoreleasepool {
+      // A napping process answers late, and clicks would wait for it. The computer may still sleep.
+      activity_ = [NSProcessInfo.processInfo beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                                                               reason:@"Clicks wait for an answer"];
       [NSApp run];
     }
   }
@@ -52,6 +55,7 @@ class AppKitApplication final : public Application {
 
  private:
   OstrelApplicationDelegate* delegate_;
+  id<NSObject> activity_ = nil;
 };
 
 }  // namespace
