@@ -32,6 +32,13 @@ NSShadow* toNSShadow(const std::optional<Shadow>& look) {
   return shadow;
 }
 
+/// Has an edit in the view end as when the keyboard focus goes elsewhere, so that what was typed counts.
+void endEditing(NSView* view) {
+  NSResponder* responder = view.window.firstResponder;
+  const bool isWithin = [responder isKindOfClass:NSView.class] && [static_cast<NSView*>(responder) isDescendantOf:view];
+  if (isWithin) [view.window makeFirstResponder:nil];
+}
+
 NSLayoutConstraintOrientation toNSOrientation(LayoutOrientation orientation) {
   return orientation == LayoutOrientation::Horizontal ? NSLayoutConstraintOrientationHorizontal
                                                       : NSLayoutConstraintOrientationVertical;
@@ -62,6 +69,7 @@ void View::addSubview(const std::shared_ptr<View>& view) {
 void View::removeFromSuperview() {
   View* const parent = native_->superview;
   if (parent == nullptr) return;
+  endEditing(native_->view);
   native_->superview = nullptr;
   [native_->view removeFromSuperview];
   // Last, because the superview may hold the only reference.
