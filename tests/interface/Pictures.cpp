@@ -1,14 +1,19 @@
-// Writes a picture of each tab of the settings window: ostrel_pictures FOLDER SUFFIX. Light or dark, and the scale, are
-// what the toolkit's environment says.
-#include <QFileIconProvider>
+// Writes a picture of each tab of the settings window, of the menu in both its states and of the question for consent:
+// ostrel_pictures FOLDER SUFFIX. Light or dark, and the scale, are what the toolkit's environment says.
+#include <QApplication>
+#include <QDialog>
+#include <QIcon>
+#include <QPainter>
 #include <QPixmap>
 #include <QWidget>
 #include <iostream>
 #include <string>
 
-#include "Ostrel/SettingsWindowController.h"
+#include "Ostrel/AppDelegate.h"
 #include "platform/Application.h"
+#include "platform/linux/qt/ConsentPrompt.h"
 #include "platform/linux/qt/ImageNative.h"
+#include "platform/linux/qt/MenuWidget.h"
 #include "platform/linux/qt/ViewNative.h"
 #include "platform/linux/qt/ViewWidget.h"
 #include "platform/simulated/Services.h"
@@ -16,12 +21,44 @@
 
 namespace {
 
-bool save(ns::Window& window, const std::string& path) {
+void save(QWidget& widget, const std::string& path) {
+  widget.ensurePolished();
+  if (!widget.grab().save(QString::fromStdString(path))) {
+    std::cerr << "cannot write " << path << '\n';
+    std::exit(1);
+  }
+}
+
+void save(ns::Window& window, const std::string& path) {
   const auto content = window.contentView();
   content->layoutSubtreeIfNeeded();
-  if (content->native().widget->window()->grab().save(QString::fromStdString(path))) return true;
-  std::cerr << "cannot write " << path << '\n';
-  return false;
+  save(*content->native().widget->window(), path);
+}
+
+/// An application icon for the picture: a coloured rounded square with a letter.
+QIcon letterIcon(QChar letter, QColor color) {
+  QPixmap pixmap(64, 64);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setBrush(color);
+  painter.setPen(Qt::NoPen);
+  painter.drawRoundedRect(QRectF(3, 3, 58, 58), 14, 14);
+  QFont font = QApplication::font();
+  font.setPixelSize(36);
+  font.setBold(true);
+  painter.setFont(font);
+  painter.setPen(Qt::white);
+  painter.drawText(QRectF(0, 0, 64, 64), Qt::AlignCenter, letter);
+  return QIcon(pixmap);
+}
+
+void saveMenu(ns::Menu& menu, const std::string& path) {
+  menu.update();
+  qt::MenuWidget widget(menu);
+  widget.ensurePolished();
+  widget.resize(widget.sizeHint());
+  save(widget, path);
 }
 
 }  // namespace
@@ -42,21 +79,32 @@ int main(int argc, char** argv) {
 2 "Studio Panel" 1440,0 2560x1440 16/200/7
 )");
   const auto app = ns::Application::sharedApplication();
+  const auto delegate = std::make_shared<ostrel::AppDelegate>();
+  delegate->applicationDidFinishLaunching();
+
   const auto controller = ostrel::OstrelController::create();
-  for (const char* const name : {"Calculator", "Image Viewer", "Terminal"}) {
+  const std::pair<const char*, QColor> applications[] = {{"Calculator", QColor(0x5E, 0x5C, 0xE6)},
+                                                         {"Photos", QColor(0x30, 0xB0, 0x60)},
+                                                         {"Writer", QColor(0xE0, 0x6A, 0x2B)}};
+  for (const auto& [name, color] : applications) {
     const std::string path = std::string("/apps/") + name;
     desktop.workspace()->installedApplications[name] = path;
-    desktop.workspace()->icons[path] = qt::imageWithIcon(QFileIconProvider().icon(QFileIconProvider::Computer));
+    desktop.workspace()->icons[path] = qt::imageWithIcon(letterIcon(QChar::fromLatin1(name[0]), color));
     controller->addExcludedApp({name, name});
   }
-  controller->addExcludedApp({"gone", "Something uninstalled"});
-  const auto settings = std::make_shared<ostrel::SettingsWindowController>(controller, [] {});
+  auto& settings = delegate->settingsWindow();
   for (const auto tab : ostrel::allTabs) {
-    settings->present(tab);
-    if (!save(*settings->window(), folder + "/settings-" + std::string(rawValue(tab)) + suffix + ".png")) return 1;
+    settings.present(tab);
+    save(*settings.window(), folder + "/settings-" + std::string(rawValue(tab)) + suffix + ".png");
   }
+  saveMenu(*services.statusItem->menu, folder + "/menu" + suffix + ".png");
   desktop.isTrusted = false;
-  services.loginItem.statusNow = 2;
-  settings->present(ostrel::Tab::General);
-  return save(*settings->window(), folder + "/settings-general-missing" + suffix + ".png") ? 0 : 1;
+  saveMenu(*services.statusItem->menu, folder + "/menu-access-needed" + suffix + ".png");
+
+  qt::showConsentPrompt();
+  for (QWidget* const widget : QApplication::topLevelWidgets()) {
+    if (qobject_cast<QDialog*>(widget) && widget->isVisible()) save(*widget, folder + "/consent" + suffix + ".png");
+  }
+  delegate->applicationWillTerminate();
+  return 0;
 }
