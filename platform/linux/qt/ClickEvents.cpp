@@ -38,8 +38,9 @@ void ignoreCrossings(xcb_connection_t* connection, xcb_window_t root) {
 
 void ignoreClicksElsewhere() {
   const auto* platform = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (platform == nullptr) return;
-  xcb_connection_t* const connection = platform->connection();
+  // Off screen the toolkit answers with an application without a connection.
+  xcb_connection_t* const connection = platform != nullptr ? platform->connection() : nullptr;
+  if (connection == nullptr) return;
   ignoreButtonStates(connection);
   for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection)); screens.rem > 0; xcb_screen_next(&screens)) {
     ignoreCrossings(connection, screens.data->root);
