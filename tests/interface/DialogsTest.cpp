@@ -9,12 +9,14 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <functional>
+#include <string>
 
-#include "platform/Consent.h"
 #include "platform/Menu.h"
 #include "platform/Panels.h"
-#include "platform/Workspace.h"
+#include "platform/linux/freedesktop/Consent.h"
+#include "platform/linux/freedesktop/IconLoader.h"
 #include "platform/linux/qt/ImageNative.h"
 #include "platform/linux/qt/MenuWidget.h"
 #include "platform/linux/qt/MessageDialog.h"
@@ -22,6 +24,8 @@
 #include "tests/interface/DialogsHome.h"
 
 namespace {
+
+using namespace std::string_literals;
 
 template <typename Widget>
 Widget* shownDialog() {
@@ -110,8 +114,7 @@ TEST(Alert, AnswersWithTheChosenButton) {
 }
 
 TEST(ConsentPrompt, AsksOneAtATimeAndRecordsTheAnswer) {
-  const auto link = "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
-  const auto workspace = ns::Workspace::sharedWorkspace();
+  auto& consent = freedesktop::Consent::shared();
   const auto answer = [](const char* title) {
     auto* const dialog = shownDialog<qt::MessageDialog>();
     ASSERT_NE(dialog, nullptr);
@@ -123,26 +126,26 @@ TEST(ConsentPrompt, AsksOneAtATimeAndRecordsTheAnswer) {
       return widget->isVisible() && qobject_cast<qt::MessageDialog*>(widget);
     });
   };
-  EXPECT_TRUE(workspace->openURL(link));
-  EXPECT_TRUE(workspace->openURL(link));
+  consent.prompt();
+  consent.prompt();
   EXPECT_EQ(openDialogs(), 1);
   // A key that was meant for another window allows nothing.
   QTest::keyClick(shownDialog<qt::MessageDialog>(), Qt::Key_Return);
   QTest::keyClick(shownDialog<qt::MessageDialog>(), Qt::Key_Space);
-  EXPECT_FALSE(ns::isAccessibilityGranted());
+  EXPECT_FALSE(consent.isTrusted());
   EXPECT_EQ(openDialogs(), 1);
   QTest::keyClick(shownDialog<qt::MessageDialog>(), Qt::Key_Escape);
-  EXPECT_FALSE(ns::isAccessibilityGranted());
+  EXPECT_FALSE(consent.isTrusted());
 
-  workspace->openURL(link);
+  consent.prompt();
   answer("Allow");
-  EXPECT_TRUE(ns::isAccessibilityGranted());
-  workspace->openURL(link);
+  EXPECT_TRUE(consent.isTrusted());
+  consent.prompt();
   answer("Keep Access");
-  EXPECT_TRUE(ns::isAccessibilityGranted());
-  workspace->openURL(link);
+  EXPECT_TRUE(consent.isTrusted());
+  consent.prompt();
   answer("Withdraw Access");
-  EXPECT_FALSE(ns::isAccessibilityGranted());
+  EXPECT_FALSE(consent.isTrusted());
   EXPECT_EQ(openDialogs(), 0);
 }
 
@@ -176,14 +179,13 @@ TEST(OpenPanel, ListsApplicationsAndFindsThemByTyping) {
   EXPECT_EQ(panel.runModal(), std::nullopt);
 }
 
-TEST(FileIcons, AreThereForEveryFile) {
-  const auto workspace = ns::Workspace::sharedWorkspace();
-  for (const auto* file : {"/share/applications/gamma.desktop", "/share/applications/alpha.desktop", "/missing"}) {
-    const auto icon = workspace->iconForFile(dialogs::home() + file);
-    ASSERT_NE(icon, nullptr) << file;
-    EXPECT_FALSE(icon->native().pixmap({22, 22}, 1.0, Qt::black).isNull()) << file;
+TEST(FileIcons, AreThereForEveryName) {
+  for (const auto& name : {"not-in-any-theme"s, "/missing.png"s, ""s, "gone.svg"s}) {
+    const auto icon = freedesktop::loadIcon(name);
+    ASSERT_NE(icon, nullptr) << name;
+    EXPECT_FALSE(icon->native().pixmap({22, 22}, 1.0, Qt::black).isNull()) << name;
   }
-  const auto own = workspace->iconForFile(dialogs::home() + "/share/applications/gamma.desktop");
+  const auto own = freedesktop::loadIcon(dialogs::home() + "/red.png");
   EXPECT_EQ(own->native().pixmap({22, 22}, 1.0, Qt::black).toImage().pixelColor(11, 11), QColor(Qt::red));
 }
 

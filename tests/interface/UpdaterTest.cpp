@@ -9,9 +9,12 @@
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QSslServer>
+#include <QSslSocket>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
+#include <algorithm>
 
 #include "platform/linux/qt/Updater.h"
 #include "tests/support/ChildProcess.h"
@@ -196,10 +199,13 @@ class UpdaterServerTest : public UpdaterTest {
       ++connections;
       client->write(answer);
       if (!isEndless) return;
-      QObject::connect(client, &QTcpSocket::bytesWritten, client, [this, client](qint64 count) {
-        sent += count;
-        client->write(QByteArray(64 * 1024, 'x'));
+      auto* const pump = new QTimer(client);
+      QObject::connect(pump, &QTimer::timeout, client, [this, client] {
+        auto* const secure = static_cast<QSslSocket*>(client);
+        if (secure->encryptedBytesToWrite() > 0) return;
+        sent += std::max<qint64>(client->write(QByteArray(64 * 1024, 'x')), 0);
       });
+      pump->start(0);
     });
   }
   QString address() const { return QStringLiteral("https://localhost:%1/feed.xml").arg(server.serverPort()); }

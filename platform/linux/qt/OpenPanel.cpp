@@ -10,8 +10,11 @@
 #include <QSortFilterProxyModel>
 #include <QStandardItemModel>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <vector>
 
 #include "platform/Panels.h"
+#include "platform/Text.h"
 #include "platform/linux/freedesktop/DesktopEntries.h"
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/Icons.h"
@@ -35,8 +38,12 @@ class ApplicationModel final : public QStandardItemModel {
 
 ApplicationModel* installedApplications(QObject* parent) {
   auto* const model = new ApplicationModel(parent);
-  for (const auto& entry : freedesktop::DesktopEntries::shared().entries()) {
-    if (entry.hidden) continue;
+  auto entries = freedesktop::DesktopEntries::shared().entries();
+  std::erase_if(entries, [](const auto& entry) { return entry.hidden; });
+  std::ranges::stable_sort(entries, [](const auto& one, const auto& other) {
+    return ns::localizedCaseInsensitiveCompare(one.name, other.name) == ns::ComparisonResult::Ascending;
+  });
+  for (const auto& entry : entries) {
     auto* const row = new QStandardItem(QString::fromStdString(entry.name));
     row->setData(QString::fromStdString(entry.path), pathRole);
     row->setData(QString::fromStdString(entry.icon), iconRole);
@@ -59,9 +66,6 @@ ApplicationChooser::ApplicationChooser(const std::string& message, const std::st
   prepareDialog(*this);
   shown_->setSourceModel(installedApplications(this));
   shown_->setFilterCaseSensitivity(Qt::CaseInsensitive);
-  shown_->setSortCaseSensitivity(Qt::CaseInsensitive);
-  shown_->setSortLocaleAware(true);
-  shown_->sort(0);
 
   auto* const title = new QLabel(QString::fromStdString(message));
   title->setTextFormat(Qt::PlainText);
