@@ -72,8 +72,10 @@ TEST_P(Buttons, CloseHidesTheWholeApplicationWhenAsked) {
   desktop.click(second, Button::Close);
   EXPECT_TRUE(happens([&] { return x.isIconic(first) && x.isIconic(second); }));
 
+  desktop.settle();
   x.activate(first);
-  EXPECT_TRUE(happens([&] { return !x.isIconic(first) && !x.isIconic(second); })) << "one brings back all";
+  EXPECT_TRUE(happens([&] { return !x.isIconic(first) && !x.isIconic(second); }))
+      << "one brings back all; the first is " << (x.isIconic(first) ? "hidden" : "back");
 
   desktop.writePreferences(R"({"behavior.redButtonHidesWindow": false})");
   desktop.click(second, Button::Close);
@@ -86,9 +88,8 @@ TEST_P(Buttons, ModifiersGiveTheNativeBehaviourAndLocksDoNot) {
   desktop.startOstrel();
   for (const Key modifier : {Key::Shift, Key::Control, Key::Super}) {
     SCOPED_TRACE(static_cast<unsigned>(modifier));
-    const Point place = desktop.button(window, Button::Minimise);
     x.hold(modifier);
-    x.click(place);
+    desktop.click(window, Button::Minimise);
     x.letGo(modifier);
     expectNativeMinimise(window, before);
   }

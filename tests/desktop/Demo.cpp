@@ -22,7 +22,7 @@ class Demo {
       return windows_.back().window;
     };
     terminal_ = add("xterm", {"xterm", "-xrm", "*wmTimeout: 200"}, {60, 80, 500, 320});
-    calculator_ = add("galculator", {"galculator"}, {90, 480, 400, 360});
+    calculator_ = add("galculator", {"galculator"}, {90, 440, 400, 400});
     editor_ = add("mousepad", {"mousepad", "--disable-server"}, {700, 300, 600, 420});
     desktop_.startOstrel();
     picture("start");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -45,13 +46,9 @@ DesktopSession::DesktopSession(WindowManager windowManager, int width, int heigh
     : windowManager_(windowManager),
       server_(std::make_unique<support::XvfbSession>(std::to_string(width) + "x" + std::to_string(height) + "x24")),
       x_(std::make_unique<XClient>()) {
-  environment_ = {"DISPLAY=" + server_->displayName(),
-                  "HOME=" + home_.path(),
-                  "XDG_SESSION_TYPE=x11",
-                  "WAYLAND_DISPLAY=",
-                  "LC_ALL=C.UTF-8",
-                  "GSETTINGS_BACKEND=memory",
-                  "GIO_USE_VFS=local"};
+  unsetenv("WAYLAND_DISPLAY");
+  environment_ = {"DISPLAY=" + server_->displayName(), "HOME=" + home_.path(), "XDG_SESSION_TYPE=x11", "LC_ALL=C.UTF-8",
+                  "GSETTINGS_BACKEND=memory",          "GIO_USE_VFS=local"};
   for (const std::string kind : {"CONFIG_HOME", "DATA_HOME", "CACHE_HOME", "STATE_HOME", "RUNTIME_DIR"}) {
     const std::string folder = home_ / kind;
     std::filesystem::create_directory(folder);
@@ -60,7 +57,8 @@ DesktopSession::DesktopSession(WindowManager windowManager, int width, int heigh
   }
   home_.write("CONFIG_HOME/openbox/rc.xml", openboxConfiguration());
   bus_ = std::make_unique<support::ChildProcess>(
-      Arguments{"dbus-daemon", "--session", "--nofork", "--nosyslog", "--print-address=1"}, environment_);
+      Arguments{"sh", "-c", "exec dbus-daemon --session --nofork --nosyslog --print-address=1 2>/dev/null"},
+      environment_);
   const auto address = bus_->readLine(startBound);
   if (!address) throw std::runtime_error("no session bus");
   environment_.push_back("DBUS_SESSION_BUS_ADDRESS=" + *address);
@@ -172,6 +170,7 @@ void DesktopSession::startOstrel() {
   if (!x_->waitUntil([&] { return x_->isButtonGrabbed(); }, startBound)) {
     throw std::runtime_error("Ostrel does not watch the mouse: " + ostrelLog());
   }
+  settle();
 }
 
 std::string DesktopSession::ostrelLog() const { return home_.read("ostrel.log"); }
@@ -193,6 +192,41 @@ std::vector<Window> DesktopSession::decoration(Window window) {
     if (buttons.size() == 6) buttons.erase(buttons.begin(), buttons.begin() + 3);  // menu, stick, shade
   }
   return buttons.size() == 3 ? buttons : std::vector<Window>{};
+}
+
+bool DesktopSession::isIdle() const {
+  std::vector<pid_t> processes{server_->serverPid(), bus_->pid(), windowManagerProcess_->pid()};
+  for (const auto& application : applications_) processes.push_back(application->pid());
+  if (ostrel_) processes.push_back(ostrel_->pid());
+  for (const pid_t process : processes) {
+    std::error_code ended;
+    for (const auto& thread :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task", ended)) {
+      std::ifstream file(thread.path() / "stat");
+      const std::string text{std::istreambuf_iterator<char>(file), {}};
+      const auto state = text.rfind(") ");  // the name before it may hold anything
+      if (state != std::string::npos && (text[state + 2] == 'R' || text[state + 2] == 'D')) return false;
+    }
+  }
+  return true;
+}
+
+void DesktopSession::settle() {
+  // Whoever has input to read counts as running. Somebody who waits for another's answer does not, so that one look is
+  // not enough.
+  constexpr int looks = 3;
+  int idle = 0;
+  x_->waitUntil([&] {
+    x_->synchronise();
+    idle = isIdle() ? idle + 1 : 0;
+    return idle == looks;
+  });
+}
+
+void DesktopSession::click(Window window, Button which, int mouseButton) {
+  const Point place = button(window, which);
+  settle();
+  x_->click(place, mouseButton);
 }
 
 Point DesktopSession::button(Window window, Button button) {

@@ -74,11 +74,15 @@ class DesktopSession {
   /// The centre of a window's button, found as a person would: on the screen. Throws when the window has no such
   /// button.
   Point button(Window window, Button button);
-  void click(Window window, Button which, int mouseButton = 1) { x_->click(button(window, which), mouseButton); }
+  /// Clicks it once everybody knows where things are.
+  void click(Window window, Button which, int mouseButton = 1);
+  /// Waits until no process of this desktop has anything to do, as is the case long before a person's next click.
+  void settle();
   /// A point of the title bar without a button.
   Point titleBar(Window window);
 
  private:
+  bool isIdle() const;
   /// Starts a process of this desktop that writes both outputs to the log of that name.
   std::unique_ptr<support::ChildProcess> start(const Arguments& arguments, const std::string& log);
   std::vector<Window> decoration(Window window);

@@ -51,6 +51,8 @@ class XClient {
   /// about the display) until it holds; false when it does not within `bound`.
   bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds bound = std::chrono::seconds(10));
 
+  /// Waits until the server has done all that was asked before.
+  void synchronise() { connection_.synchronise(); }
   std::vector<std::uint32_t> property(Window window, const std::string& name);
   /// The managed windows, oldest first.
   std::vector<Window> clients();

@@ -24,6 +24,7 @@ class XvfbSession {
  public:
   explicit XvfbSession(const std::string& screen = "1440x900x24");
   const std::string& displayName() const { return displayName_; }
+  pid_t serverPid() const { return server_.pid(); }
 
  private:
   ChildProcess server_;

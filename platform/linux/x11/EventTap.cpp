@@ -61,17 +61,23 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
   bool attach() {
     std::shared_ptr<Connection> connection = Connection::open(displayName_);
     if (!connection) return false;
-    grab_ = ButtonGrab::acquire(*connection);
-    if (!grab_) return false;
-    connection_ = std::move(connection);
-    attached_ = true;
-    if (auto* watchdog = Watchdog::shared()) {
-      const xcb_window_t window = xcb_generate_id(connection_->get());
-      xcb_create_window(connection_->get(), 0, window, connection_->root(), -1, -1, 1, 1, 0,
-                        XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-      connection_->synchronise();
+    // The watchdog comes first: a press between the grab and its watch would freeze the mouse for good if we were
+    // stopped just then.
+    auto* const watchdog = Watchdog::shared();
+    if (watchdog != nullptr) {
+      const xcb_window_t window = xcb_generate_id(connection->get());
+      xcb_create_window(connection->get(), 0, window, connection->root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                        XCB_COPY_FROM_PARENT, 0, nullptr);
+      connection->synchronise();
       watchdog->watch(window);
     }
+    grab_ = ButtonGrab::acquire(*connection);
+    if (!grab_) {
+      if (watchdog != nullptr) watchdog->watch(XCB_WINDOW_NONE);
+      return false;
+    }
+    connection_ = std::move(connection);
+    attached_ = true;
     return true;
   }
 
