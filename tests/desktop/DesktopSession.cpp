@@ -121,6 +121,7 @@ Window DesktopSession::open(const Arguments& arguments, const Frame& frame) {
 }
 
 void DesktopSession::place(Window window, const Frame& wanted) {
+  if (ostrel_) settle();  // it may still be looking after what the last click did
   // Toolkits settle their extents after the first map, so the request is repeated until it fits.
   for (int attempt = 0; attempt < 10; ++attempt) {
     x_->moveResize(window, wanted);
