@@ -79,9 +79,12 @@ class QtApplication final : public Application {
     QObject::connect(notifier, &QSocketNotifier::activated, &application_, [this] { terminate(); });
   }
 
-  int argumentCount_ = 1;
+  // The buttons are those of an X11 session, so the interface is, too, whatever the toolkit would prefer.
+  int argumentCount_ = qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ? 3 : 1;
   char name_[7] = "ostrel";
-  char* arguments_[2] = {name_, nullptr};
+  char option_[10] = "-platform";
+  char platform_[4] = "xcb";
+  char* arguments_[4] = {name_, option_, platform_, nullptr};
   QApplication application_{argumentCount_, arguments_};
   std::weak_ptr<ApplicationDelegate> delegate_;
   ActivationPolicy policy_ = ActivationPolicy::Regular;
