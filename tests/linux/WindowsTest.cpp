@@ -131,6 +131,19 @@ TEST_P(Windows, HiddenTogetherAndBackTogether) {
   EXPECT_FALSE(desk.hiding().hide(1));
 }
 
+TEST_P(Windows, BackTogetherHoweverSoon) {
+  ManagedWindow one(100, 200, 300, 200);
+  ManagedWindow two(500, 200, 300, 200);
+  for (ManagedWindow* window : {&one, &two}) desk.manage(*window);
+  for (int round = 0; round < 20; ++round) {
+    ASSERT_TRUE(desk.hiding().hide(getpid()));
+    // Before anybody has seen it go.
+    desk.set(one.window(), "AXMinimized", false);
+    ASSERT_TRUE(desk.waitFor([&] { return !desk.hiding().isHidden(getpid()); })) << round;
+    ASSERT_TRUE(desk.waitFor([&] { return !isIconic(one.window()) && !isIconic(two.window()); })) << round;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(, Windows, testing::Values("openbox", "xfwm4"));
 
 TEST(WindowTable, SurvivesWindowsThatVanishAndWindowManagersThatChange) {
@@ -200,6 +213,24 @@ TEST(Applications, AreLaunchedWithTheirFirstWindowAndQuitWithTheirLast) {
   }
   ASSERT_TRUE(waitForChanges(2));
   EXPECT_EQ(changes[1], std::pair(desktop::ApplicationChange::Terminated, pid));
+  tracker.stop();
+}
+
+TEST(WindowTable, TellsWhichWindowBecomesActive) {
+  Desk desk("openbox");
+  ManagedWindow one(100, 200, 300, 200);
+  ManagedWindow two(500, 200, 300, 200);
+  for (ManagedWindow* window : {&one, &two}) desk.manage(*window);
+  x11::WindowTracker tracker(x11::Connection::open());
+  std::atomic<xcb_window_t> active = XCB_WINDOW_NONE;
+  tracker.observe([&active](x11::WindowChange change, const x11::Window& window) {
+    if (change == x11::WindowChange::Activated) active = window.client;
+  });
+  tracker.start();
+  for (ManagedWindow* window : {&one, &two, &one}) {
+    desk.set(window->window(), "AXMinimized", false);
+    EXPECT_TRUE(desk.waitFor([&] { return active == window->window(); }));
+  }
   tracker.stop();
 }
 

@@ -44,6 +44,7 @@ void Applications::windowChanged(WindowChange change, const Window& window) {
       break;
     case WindowChange::Geometry:
     case WindowChange::Properties:
+    case WindowChange::Activated:
       break;
   }
 }

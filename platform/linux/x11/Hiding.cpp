@@ -21,9 +21,8 @@ bool Hiding::hide(pid_t pid) {
     for (const Window& window : windows) {
       // What the person has iconified by hand stays as it is when the application comes back.
       if (window.properties.isIconic()) continue;
-      std::erase(hidden.windows, window.client);
-      hidden.windows.push_back(window.client);
-      hidden.gone.erase(window.client);
+      forget(hidden, window.client);
+      hidden.windows.push_back({window.client, window.properties.stateChanges});
     }
     if (hidden.windows.empty()) hidden_.erase(pid);
   }
@@ -61,17 +60,15 @@ void Hiding::windowChanged(WindowChange change, const Window& window) {
     if (found == hidden_.end()) return;
     Hidden& known = found->second;
     if (change == WindowChange::Removed) {
-      std::erase(known.windows, window.client);
-      known.gone.erase(window.client);
+      forget(known, window.client);
       if (known.windows.empty()) hidden_.erase(found);
       return;
     }
-    if (std::find(known.windows.begin(), known.windows.end(), window.client) == known.windows.end()) return;
-    if (window.properties.isIconic()) {
-      known.gone.insert(window.client);
-      return;
-    }
-    if (!known.gone.contains(window.client)) return;
+    const auto member = std::find_if(known.windows.begin(), known.windows.end(),
+                                     [&](const Hidden::Member& one) { return one.client == window.client; });
+    if (member == known.windows.end() || window.properties.isIconic()) return;
+    // Counted, because both changes may have come before either could be looked at.
+    if (window.properties.stateChanges - member->stateChanges < 2) return;
     // The application counts as shown before its other windows are, so that their coming back is not taken for the
     // person's doing.
     hidden = std::move(known);
@@ -80,9 +77,13 @@ void Hiding::windowChanged(WindowChange change, const Window& window) {
   bringBack(hidden, window.client);
 }
 
+void Hiding::forget(Hidden& hidden, xcb_window_t client) {
+  std::erase_if(hidden.windows, [client](const Hidden::Member& member) { return member.client == client; });
+}
+
 void Hiding::bringBack(const Hidden& hidden, xcb_window_t onTop) {
-  for (const xcb_window_t client : hidden.windows) {
-    if (client != onTop) requestActivate(connection_, atoms_, client);
+  for (const Hidden::Member& member : hidden.windows) {
+    if (member.client != onTop) requestActivate(connection_, atoms_, member.client);
   }
   // Activating, unlike mapping, works with every window manager, but it takes the focus from the window that the person
   // has chosen: that one is activated again, after the others.

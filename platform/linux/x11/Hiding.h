@@ -4,7 +4,6 @@
 #include <sys/types.h>
 
 #include <map>
-#include <set>
 #include <vector>
 
 #include "platform/Lock.h"
@@ -28,14 +27,18 @@ class Hiding {
 
  private:
   struct Hidden {
+    struct Member {
+      xcb_window_t client;
+      /// Of its WM_STATE, as known when it was hidden. One change iconifies it and another brings it back; a window
+      /// that is shown after less than that has not been taken away yet.
+      std::uint32_t stateChanges;
+    };
     /// In their stacking order, the bottommost first.
-    std::vector<xcb_window_t> windows;
-    /// Those of them that have been seen iconified since. A window that has not been cannot have been brought back:
-    /// what is still told about it is from before.
-    std::set<xcb_window_t> gone;
+    std::vector<Member> windows;
   };
 
   void windowChanged(WindowChange change, const Window& window);
+  static void forget(Hidden& hidden, xcb_window_t client);
   void bringBack(const Hidden& hidden, xcb_window_t onTop);
 
   const Connection& connection_;

@@ -35,6 +35,8 @@ enum class MinimizeButton { Missing, Disabled, Enabled };
 /// What a window says about itself and its window manager about it.
 struct WindowProperties {
   std::uint32_t wmState = 0;
+  /// How often WM_STATE has been set since the window is known; counted by whoever follows the window.
+  std::uint32_t stateChanges = 0;
   bool isTransient = false;
   bool isNormalType = true;
   bool isDecorated = true;

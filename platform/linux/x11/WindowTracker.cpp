@@ -56,8 +56,8 @@ void WindowTracker::run() {
       if (lossHandler_) lossHandler_();
       return;
     }
-    if (windowManagerDirty_ || clientsDirty_ || stackingDirty_ || !frameDirty_.empty() || !geometryDirty_.empty() ||
-        !propertiesDirty_.empty()) {
+    if (windowManagerDirty_ || clientsDirty_ || stackingDirty_ || activeDirty_ || !frameDirty_.empty() ||
+        !geometryDirty_.empty() || !propertiesDirty_.empty()) {
       // Only now, so that a hundred moves of a window that is being dragged are asked about once. The replies may bring
       // further events along, hence no waiting yet.
       refreshDirty();
@@ -106,6 +106,7 @@ void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
   if (event.window == connection_->root()) {
     if (event.atom == atoms_.netClientList) clientsDirty_ = true;
     if (event.atom == atoms_.netClientListStacking) stackingDirty_ = true;
+    if (event.atom == atoms_.netActiveWindow) activeDirty_ = true;
     if (event.atom == atoms_.netSupportingWmCheck) windowManagerDirty_ = true;
     return;
   }
@@ -116,14 +117,16 @@ void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
   const auto is = [&event](const auto&... atoms) { return ((event.atom == atoms) || ...); };
   if (is(atoms_.netFrameExtents, atoms_.gtkFrameExtents, atoms_.netWmState)) {
     geometryDirty_.insert(event.window);
-  } else if (is(atoms_.wmState, XCB_ATOM_WM_TRANSIENT_FOR, atoms_.netWmWindowType, atoms_.motifWmHints,
-                atoms_.netWmAllowedActions, XCB_ATOM_WM_CLASS, atoms_.gtkApplicationId)) {
-    propertiesDirty_.insert(event.window);
+  } else if (event.atom == atoms_.wmState) {
+    ++propertiesDirty_[event.window];
+  } else if (is(XCB_ATOM_WM_TRANSIENT_FOR, atoms_.netWmWindowType, atoms_.motifWmHints, atoms_.netWmAllowedActions,
+                XCB_ATOM_WM_CLASS, atoms_.gtkApplicationId)) {
+    propertiesDirty_.try_emplace(event.window);
   } else if (event.atom == atoms_.netWmName) {
     // Terminals change their titles all day; only for a window that draws its own title bar does it matter.
     const ns::LockGuard guard(lock_);
     const auto found = windows_.find(event.window);
-    if (found != windows_.end() && found->second.drawsItsTitleBar()) propertiesDirty_.insert(event.window);
+    if (found != windows_.end() && found->second.drawsItsTitleBar()) propertiesDirty_.try_emplace(event.window);
   }
 }
 
@@ -157,18 +160,21 @@ void WindowTracker::refreshDirty() {
     notify(WindowChange::Geometry, changed);
   }
 
-  for (const xcb_window_t client : std::exchange(propertiesDirty_, {})) {
-    const WindowProperties properties = PropertiesRequest(*connection_, atoms_, client).receive();
+  for (const auto& [client, stateChanges] : std::exchange(propertiesDirty_, {})) {
+    WindowProperties properties = PropertiesRequest(*connection_, atoms_, client).receive();
     Window changed;
     {
       const ns::LockGuard guard(lock_);
       const auto found = windows_.find(client);
-      if (found == windows_.end() || found->second.properties == properties) continue;
+      if (found == windows_.end()) continue;
+      properties.stateChanges = found->second.properties.stateChanges + stateChanges;
+      if (found->second.properties == properties) continue;
       found->second.properties = properties;
       changed = found->second;
     }
     notify(WindowChange::Properties, changed);
   }
+  if (std::exchange(activeDirty_, false)) refreshActive();
 }
 
 void WindowTracker::refreshWindowManager() {
@@ -214,6 +220,12 @@ void WindowTracker::refreshStacking() {
   auto stacking = readItems(*connection_, connection_->root(), atoms_.netClientListStacking);
   const ns::LockGuard guard(lock_);
   stacking_ = std::move(stacking);
+}
+
+void WindowTracker::refreshActive() {
+  const auto active = readItems(*connection_, connection_->root(), atoms_.netActiveWindow);
+  if (active.empty()) return;
+  if (const auto known = window(active[0])) notify(WindowChange::Activated, *known);
 }
 
 void WindowTracker::add(xcb_window_t client) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -17,8 +18,8 @@
 
 namespace x11 {
 
-/// Present: it was there already when the tracker started.
-enum class WindowChange { Present, Added, Removed, Geometry, Properties };
+/// Present: it was there already when the tracker started. Activated: it has become the active window.
+enum class WindowChange { Present, Added, Removed, Geometry, Properties, Activated };
 
 struct RunningWindowManager {
   /// As it calls itself; empty while none runs.
@@ -65,6 +66,7 @@ class WindowTracker {
   void refreshWindowManager();
   void refreshClients();
   void refreshStacking();
+  void refreshActive();
   void refreshDirty();
   void add(xcb_window_t client);
   void remove(xcb_window_t client);
@@ -84,9 +86,11 @@ class WindowTracker {
   bool windowManagerDirty_ = true;
   bool clientsDirty_ = true;
   bool stackingDirty_ = true;
+  bool activeDirty_ = false;
   std::set<xcb_window_t> frameDirty_;
   std::set<xcb_window_t> geometryDirty_;
-  std::set<xcb_window_t> propertiesDirty_;
+  /// With the number of changes of WM_STATE that have not been read yet.
+  std::map<xcb_window_t, std::uint32_t> propertiesDirty_;
 
   mutable ns::Lock lock_;
   std::unordered_map<xcb_window_t, Window> windows_ GUARDED_BY(lock_);

@@ -69,6 +69,8 @@ void X11Desktop::tellOfTitleBar(WindowChange change, const Window& window) {
     titleBarButtons_.remove(window.client);
     return;
   }
+  // A program may make a button insensitive without anything else to see; then its window is often the active one next.
+  if (change == WindowChange::Activated) return titleBarButtons_.refresh(window.client);
   const WindowGeometry& geometry = window.geometry;
   titleBarButtons_.update({window.client, window.pid, boxed(geometry.frame()), boxed(geometry.client),
                            geometry.maximizedHorizontally || geometry.maximizedVertically || geometry.fullscreen,
