@@ -1,9 +1,16 @@
 #include "platform/linux/qt/ClickEvents.h"
 
 // The protocol's header has a member of that name.
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wkeyword-macro"
+#endif
 #define explicit isExplicit  // NOLINT
 #include <xcb/xkb.h>
 #undef explicit
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 #include <QGuiApplication>
 #include <cstdlib>
