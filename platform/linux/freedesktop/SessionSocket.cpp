@@ -166,7 +166,7 @@ InstanceReply askSession(const std::string& path, std::string_view request, std:
   const auto deadline = Clock::now() + patience;
   while (true) {
     const Descriptor socket = makeSocket();
-    if (connect(socket.get(), generic(*where), sizeof *where) == 0) {
+    if (socket.get() >= 0 && connect(socket.get(), generic(*where), sizeof *where) == 0) {
       if (send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL) < 0) return silent;
       if (!waitForAnswer(socket.get(), deadline)) return silent;
       auto reply = receive(socket.get());
