@@ -89,7 +89,10 @@ void SettingsWindowController::updateSidebarSelection() {
 
 std::string SettingsWindowController::versionString() {
   const std::string build = infoText("CFBundleVersion", "");
-  return "v" + infoText("CFBundleShortVersionString", "?") + (build.empty() ? "" : " (" + build + ")");
+  std::string text = "v";
+  text += infoText("CFBundleShortVersionString", "?");
+  if (!build.empty()) text.append(" (").append(build).append(")");
+  return text;
 }
 
 std::shared_ptr<ns::View> SettingsWindowController::makeRootView() {
