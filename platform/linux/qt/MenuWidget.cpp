@@ -13,8 +13,10 @@ namespace {
 QIcon iconOf(const ns::Image& image, const QColor& tint, const QColor& disabledTint) {
   const QSizeF size = image.native().size();
   QIcon icon = image.native().tintedIcon(size, tint);
-  for (const double scale : {1.0, 2.0}) icon.addPixmap(image.native().pixmap(size, scale, Qt::white), QIcon::Active);
-  for (const double scale : {1.0, 2.0}) {
+  for (const double scale : {1.0, 1.5, 2.0, 3.0}) {
+    // The style shows the chosen row's icon in the one mode or the other.
+    icon.addPixmap(image.native().pixmap(size, scale, Qt::white), QIcon::Active);
+    icon.addPixmap(image.native().pixmap(size, scale, Qt::white), QIcon::Selected);
     icon.addPixmap(image.native().pixmap(size, scale, disabledTint), QIcon::Disabled);
   }
   return icon;

@@ -97,7 +97,8 @@ QWidget* dialogParent() {
 }
 
 MessageDialog::MessageDialog(const MessageContent& content, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
+                          Qt::MSWindowsFixedSizeDialogHint),
       lastButton_(static_cast<int>(content.buttons.size()) - 1) {
   auto* const texts = new QVBoxLayout;
   texts->setSpacing(6);

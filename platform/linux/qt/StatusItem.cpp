@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QPointer>
 #include <QSystemTrayIcon>
+#include <QWidget>
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -21,11 +23,12 @@ namespace {
 /// The sizes in pixels that panels ask for, so that no picture is scaled on the usual ones.
 constexpr int iconSides[] = {16, 18, 20, 22, 24, 28, 32, 36, 44, 48, 64};
 
-/// Panels do not say how they look. Those of GNOME are dark on a light desktop too; the others go with the desktop.
-QColor panelTint() {
-  const bool isDark = qt::isDark() || qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("GNOME"));
-  return isDark ? QColor(0xF2, 0xF2, 0xF4) : QColor(0x30, 0x30, 0x34);
+/// A panel that is only on the bus does not say how it looks. Those of GNOME are dark on a light desktop too; the
+/// others go with the desktop.
+bool isUnseenPanelDark() {
+  return qt::isDark() || qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("GNOME"));
 }
+QColor panelTint(bool isPanelDark) { return isPanelDark ? QColor(0xF2, 0xF2, 0xF4) : QColor(0x30, 0x30, 0x34); }
 
 QPixmap drawnTitle(const QString& title, int side, const QColor& tint) {
   QPixmap pixmap(side, side);
@@ -44,10 +47,10 @@ QPixmap drawnTitle(const QString& title, int side, const QColor& tint) {
 /// Shows itself in whichever tray there is, and moves when the desktop's panel changes.
 class TrayItem final : public QObject, public StatusItem, public StatusBarButton {
  public:
-  TrayItem() : hosts_([this] { place(true); }) { qGuiApp->installEventFilter(this); }
+  TrayItem() : hosts_([this] { place(); }) { qGuiApp->installEventFilter(this); }
 
   void setVisible(bool visible) override {
-    if (std::exchange(isVisible_, visible) != visible) place(false);
+    if (std::exchange(isVisible_, visible) != visible) place();
   }
   void setMenu(std::shared_ptr<Menu> menu) override { menu_ = std::move(menu); }
   StatusBarButton* button() override { return this; }
@@ -69,16 +72,25 @@ class TrayItem final : public QObject, public StatusItem, public StatusBarButton
   }
 
   bool eventFilter(QObject* watched, QEvent* event) override {
-    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) showIcon();
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
+      isPanelSeen_ = false;
+      showIcon();
+    }
+    if (event->type() == QEvent::Paint && !isPanelSeen_ && embedded_ && watched->inherits("QSystemTrayIconSys")) {
+      isPanelSeen_ = true;
+      // Once it is painted, there is nothing of ours in its corner.
+      const auto window = static_cast<std::uint32_t>(static_cast<QWidget*>(watched)->winId());
+      QMetaObject::invokeMethod(
+          this, [this, window] { lookAtPanel(window); }, Qt::QueuedConnection);
+    }
     return QObject::eventFilter(watched, event);
   }
 
  private:
-  /// `isNew` when the panel may be another one than before.
-  void place(bool isNew) {
+  void place() {
     const qt::TrayHost host = isVisible_ ? hosts_.current() : qt::TrayHost::None;
     if (host != qt::TrayHost::StatusNotifier) notifier_.reset();
-    if (host != qt::TrayHost::XEmbed || isNew) embedded_.reset();
+    if (host != qt::TrayHost::XEmbed) embedded_.reset();
     if (host == qt::TrayHost::StatusNotifier) {
       if (notifier_) {
         notifier_->registerWithWatcher();
@@ -90,23 +102,32 @@ class TrayItem final : public QObject, public StatusItem, public StatusBarButton
       embedded_ = std::make_unique<QSystemTrayIcon>();
       QObject::connect(embedded_.get(), &QSystemTrayIcon::activated, this, [this] { openMenu(QCursor::pos()); });
     }
+    isPanelSeen_ = false;  // it may be another one than before; the toolkit moves to it by itself
     showIcon();
     showToolTip();
     if (embedded_) embedded_->show();
   }
 
-  QIcon icon() const {
+  void lookAtPanel(std::uint32_t window) {
+    const auto isDark = qt::isDarkBehind(window);
+    if (!isDark || *isDark == isTrayDark_) return;
+    isTrayDark_ = *isDark;
+    showIcon();
+  }
+
+  QIcon icon(bool isPanelDark) const {
+    const QColor tint = panelTint(isPanelDark);
     QIcon result;
     for (const int side : iconSides) {
-      result.addPixmap(image_ ? image_->native().pixmap(QSizeF(side, side), 1.0, panelTint())
-                              : drawnTitle(title_, side, panelTint()));
+      result.addPixmap(image_ ? image_->native().pixmap(QSizeF(side, side), 1.0, tint)
+                              : drawnTitle(title_, side, tint));
     }
     return result;
   }
 
   void showIcon() {
-    if (notifier_) notifier_->setIcon(icon());
-    if (embedded_) embedded_->setIcon(icon());
+    if (notifier_) notifier_->setIcon(icon(isUnseenPanelDark()));
+    if (embedded_) embedded_->setIcon(icon(isTrayDark_));
   }
 
   void showToolTip() {
@@ -128,6 +149,9 @@ class TrayItem final : public QObject, public StatusItem, public StatusBarButton
   QString title_;
   QString toolTip_;
   QPointer<qt::MenuWidget> shown_;
+  bool isTrayDark_ = isUnseenPanelDark();
+  /// Whether the colour of the tray is known, or being asked for.
+  bool isPanelSeen_ = false;
   std::unique_ptr<qt::NotifierItem> notifier_;
   std::unique_ptr<QSystemTrayIcon> embedded_;
   qt::TrayHosts hosts_;

@@ -8,6 +8,7 @@
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QGuiApplication>
+#include <QRgb>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
@@ -106,6 +107,21 @@ bool TrayHosts::nativeEventFilter(const QByteArray& type, void* message, qintptr
 void TrayHosts::tell() {
   QMetaObject::invokeMethod(
       this, [this] { changed_(); }, Qt::QueuedConnection);
+}
+
+std::optional<bool> isDarkBehind(std::uint32_t window) {
+  xcb_connection_t* const x11 = connection();
+  if (!x11) return std::nullopt;
+  // Read from the screen: the window's own pixels may be transparent ones.
+  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x11)).data->root;
+  const auto place =
+      owned(xcb_translate_coordinates_reply(x11, xcb_translate_coordinates(x11, window, root, 0, 0), nullptr));
+  if (!place) return std::nullopt;
+  const auto cookie = xcb_get_image(x11, XCB_IMAGE_FORMAT_Z_PIXMAP, root, place->dst_x, place->dst_y, 1, 1, ~0U);
+  const auto image = owned(xcb_get_image_reply(x11, cookie, nullptr));
+  if (!image || image->depth < 24 || xcb_get_image_data_length(image.get()) < 4) return std::nullopt;
+  const std::uint8_t* const pixel = xcb_get_image_data(image.get());
+  return qGray(pixel[2], pixel[1], pixel[0]) < 128;
 }
 
 }  // namespace qt

@@ -3,7 +3,9 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace qt {
 
@@ -40,6 +42,9 @@ class TrayHosts final : public QObject, public QAbstractNativeEventFilter {
   /// the other.
   bool isAnswered_ = false;
 };
+
+/// Whether what shows through the corner of an embedded window is dark; none when that cannot be seen.
+std::optional<bool> isDarkBehind(std::uint32_t window);
 
 inline constexpr const char* notifierWatcher = "org.kde.StatusNotifierWatcher";
 
