@@ -83,7 +83,9 @@ TEST_F(JSONUserDefaultsTest, SeesChangesOfOtherProgramsAtTheNextRead) {
   EXPECT_EQ(defaults.objectForKey("a"), std::nullopt);
   // In place, with the same length and, in one tick of the file system's clock, with the same times.
   for (int i = 0; i < 9; ++i) {
-    write("{\"a\": " + std::to_string(i) + "}");
+    std::string text = "{\"a\": 0}";
+    text[text.find('0')] = static_cast<char>('0' + i);
+    write(text);
     EXPECT_EQ(defaults.doubleForKey("a"), i);
   }
   std::filesystem::remove(folder / "ostrel/preferences.json");
@@ -93,7 +95,7 @@ TEST_F(JSONUserDefaultsTest, SeesChangesOfOtherProgramsAtTheNextRead) {
 TEST_F(JSONUserDefaultsTest, ADamagedFileIsNeverOverwritten) {
   const std::string deep(100'000, '[');
   std::string wide = "{\"a\": {";
-  for (int i = 0; i < 100'000; ++i) wide += "\"" + std::to_string(i) + "\": 0, ";
+  for (int i = 0; i < 100'000; ++i) wide.append("\"").append(std::to_string(i)).append("\": 0, ");
   wide += "\"last\": 0}}";
   const std::string cases[] = {R"({"a": 1,})",
                                "",
