@@ -45,6 +45,8 @@ DesktopScheme::DesktopScheme(std::function<void()> changed)
 
 void DesktopScheme::ask() {
   auto bus = QDBusConnection::sessionBus();
+  // Known by this name only from here on; a slot of an unknown type is not connected.
+  qRegisterMetaType<QDBusVariant>();
   bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
               SLOT(settingChanged(QString, QString, QDBusVariant)));
   auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
