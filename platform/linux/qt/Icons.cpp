@@ -19,7 +19,8 @@ QString chosenTheme() {
     const QString theme = settings.value(QLatin1String("Settings/gtk-icon-theme-name")).toString();
     if (!theme.isEmpty()) return theme;
   }
-  return QStringLiteral("hicolor");
+  // What GTK programs show then.
+  return QStringLiteral("Adwaita");
 }
 
 /// Done when the first icon is wanted: a search path is read from the disk.

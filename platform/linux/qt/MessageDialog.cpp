@@ -97,8 +97,7 @@ QWidget* dialogParent() {
 }
 
 MessageDialog::MessageDialog(const MessageContent& content, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
-                          Qt::MSWindowsFixedSizeDialogHint),
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
       lastButton_(static_cast<int>(content.buttons.size()) - 1) {
   auto* const texts = new QVBoxLayout;
   texts->setSpacing(6);

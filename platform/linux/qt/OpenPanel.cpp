@@ -11,6 +11,7 @@
 #include <QStandardItemModel>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <map>
 #include <vector>
 
 #include "platform/Panels.h"
@@ -26,15 +27,46 @@ namespace {
 constexpr int pathRole = Qt::UserRole;
 constexpr int iconRole = Qt::UserRole + 1;
 
+constexpr int iconSide = 24;
+
 /// Loads an icon when its row is painted: a desktop has hundreds of applications.
 class ApplicationModel final : public QStandardItemModel {
  public:
   using QStandardItemModel::QStandardItemModel;
   QVariant data(const QModelIndex& index, int role) const override {
     if (role != Qt::DecorationRole) return QStandardItemModel::data(index, role);
-    return applicationIcon(QStandardItemModel::data(index, iconRole).toString().toStdString());
+    QIcon& icon = icons_[index.row()];
+    if (icon.isNull()) {
+      const QIcon whole = applicationIcon(QStandardItemModel::data(index, iconRole).toString().toStdString());
+      for (const double scale : {1.0, 2.0}) {
+        const QPixmap picture = whole.pixmap(QSize(iconSide, iconSide), scale);
+        // As it is on the chosen row too; the style would dye it.
+        for (const auto mode : {QIcon::Normal, QIcon::Selected}) icon.addPixmap(picture, mode);
+      }
+    }
+    return icon;
   }
+
+ private:
+  mutable std::map<int, QIcon> icons_;
 };
+
+/// The field and the list in the manner of the settings window.
+QString chooserStyle() {
+  const auto name = [](const QColor& color) { return color.name(QColor::HexArgb); };
+  return QStringLiteral(
+             "QLineEdit { background: %1; border: 1px solid %2; border-radius: 6px; padding: 5px 6px; }"
+             "QLineEdit:focus { border-color: %3; }"
+             "QListView { background: %4; border: 1px solid %2; border-radius: 8px; padding: 4px; outline: none; }"
+             "QListView::item { border-radius: 5px; padding-left: 6px; color: %5; }"
+             "QListView::item:selected { background: %3; color: white; }"
+             "QScrollBar:vertical { background: transparent; width: 10px; margin: 2px; }"
+             "QScrollBar::handle:vertical { background: %6; border-radius: 3px; min-height: 24px; }"
+             "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }")
+      .arg(name(color(ControlColor::Field)), name(color(ControlColor::Edge)),
+           name(color(ns::Color::controlAccentColor())), name(color(ns::Color::controlBackgroundColor())),
+           name(color(ns::Color::labelColor())), name(color(ControlColor::Scroller)));
+}
 
 ApplicationModel* installedApplications(QObject* parent) {
   auto* const model = new ApplicationModel(parent);
@@ -64,6 +96,7 @@ ApplicationChooser::ApplicationChooser(const std::string& message, const std::st
       shown_(new QSortFilterProxyModel(this)),
       confirm_(new DialogButton(QString::fromStdString(prompt.empty() ? "Open" : prompt))) {
   prepareDialog(*this);
+  setStyleSheet(chooserStyle());
   shown_->setSourceModel(installedApplications(this));
   shown_->setFilterCaseSensitivity(Qt::CaseInsensitive);
 
@@ -76,7 +109,7 @@ ApplicationChooser::ApplicationChooser(const std::string& message, const std::st
   search_->setClearButtonEnabled(true);
   search_->installEventFilter(this);
   list_->setModel(shown_);
-  list_->setIconSize({24, 24});
+  list_->setIconSize({iconSide, iconSide});
   list_->setUniformItemSizes(true);
   list_->setAccessibleName(QStringLiteral("Applications"));
   list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
