@@ -72,7 +72,7 @@ ApplicationModel* installedApplications(QObject* parent) {
   auto* const model = new ApplicationModel(parent);
   auto entries = freedesktop::DesktopEntries::shared().entries();
   std::erase_if(entries, [](const auto& entry) { return entry.hidden; });
-  std::ranges::stable_sort(entries, [](const auto& one, const auto& other) {
+  std::ranges::sort(entries, [](const auto& one, const auto& other) {
     return ns::localizedCaseInsensitiveCompare(one.name, other.name) == ns::ComparisonResult::Ascending;
   });
   for (const auto& entry : entries) {
