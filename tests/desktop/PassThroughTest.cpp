@@ -35,7 +35,7 @@ TEST_P(PassThrough, TextIsSelectedByDraggingAndByDoubleClick) {
 
   const Window editor = openEditor({700, 300, 500, 340});
   const Frame field = x.rectangle(editor).value();
-  for (const xcb_keysym_t letter : {'o', 's', 't'}) x.type(letter);
+  for (const xcb_keysym_t letter : {0x6fU, 0x73U, 0x74U}) x.type(letter);  // o, s, t
   const Point word{field.x + 30, field.y + 60};
   const Window terminal = x.primarySelectionOwner();
   EXPECT_TRUE(happens([&] {

@@ -202,6 +202,7 @@ TEST_F(TrayTest, PrefersAPanelOnTheBusAndReturnsToTheTrayWhenItGoes) {
       EXPECT_GT(std::ranges::count_if(bytes, [](char byte) { return byte != 0; }), width);
       sizes += QSize(width, height);
     }
+    pixmaps.endArray();  // or the reader of the array is never freed
     EXPECT_TRUE(sizes.contains(QSize(22, 22)));
     for (const char* click : {"Activate", "ContextMenu"}) {
       auto message = QDBusMessage::createMethodCall(name, "/StatusNotifierItem", "org.kde.StatusNotifierItem", click);
