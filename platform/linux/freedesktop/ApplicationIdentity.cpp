@@ -130,7 +130,8 @@ const DesktopEntry* ApplicationIdentity::find(const WindowOwner& owner) {
 std::optional<std::string> ApplicationIdentity::sandboxId(pid_t pid) const {
   if (pid <= 0) return std::nullopt;
   const std::string process = procFolder_ + '/' + std::to_string(pid);
-  const std::string flatpak = readFile(process + "/root/.flatpak-info", largestProcFile).text;
+  const std::string fileSystem = process + "/root";  // as the process sees it: a sandbox has one of its own
+  const std::string flatpak = readFile(fileSystem + "/.flatpak-info", largestProcFile).text;
   if (constexpr std::string_view key = "\nname="; flatpak.starts_with("[Application]")) {
     if (const auto found = flatpak.find(key); found != std::string::npos) {
       const auto start = found + key.size();
