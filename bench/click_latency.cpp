@@ -1,10 +1,10 @@
 // What Ostrel costs an ordinary click: the time from the press to the application's event with nobody in between, with
 // a filter that decides nothing, and with Ostrel. Each has a desktop of its own and they are clicked in turns, so that
 // whatever else the machine does hits all three alike.
-#include <exception>
 #include <stdexcept>
 
 #include "bench/ClickTarget.h"
+#include "bench/Program.h"
 #include "tests/desktop/DesktopSession.h"
 
 namespace {
@@ -68,10 +68,7 @@ void measure(bool managed) {
 }  // namespace
 
 int main() {
-  try {
+  return bench::run([] {
     for (const bool managed : {false, true}) measure(managed);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 1;
-  }
+  });
 }

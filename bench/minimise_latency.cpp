@@ -1,10 +1,10 @@
 // How soon a window stands in its new place: a click on its minimise button with Ostrel, the same move as an action of
 // the window manager bound to the same press, and a hotkey daemon that starts wmctrl or xdotool. They take turns.
-#include <exception>
 #include <functional>
 #include <stdexcept>
 
 #include "bench/ClickTarget.h"
+#include "bench/Program.h"
 #include "tests/desktop/DesktopSession.h"
 
 namespace {
@@ -121,12 +121,9 @@ void measure(desktoptest::DesktopSession& session) {
 }  // namespace
 
 int main() {
-  try {
+  return bench::run([] {
     desktoptest::DesktopSession session(desktoptest::WindowManager::Openbox);
     bindMinimiseButton(session);
     measure(session);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
-    return 1;
-  }
+  });
 }
