@@ -63,7 +63,9 @@ class Placements : public testing::Test {
     return true;
   }
   void want(const Rect& frame) {
-    placement.want(window.window(), {CGPointMake(frame.x, frame.y), CGSizeMake(frame.width, frame.height)});
+    x11::WindowGeometry known;
+    known.client = {100, 100, 400, 300};
+    placement.want(window.window(), {CGPointMake(frame.x, frame.y), CGSizeMake(frame.width, frame.height)}, known);
   }
   bool expects(const Rect& frame) { return placement.expectedFrame(window.window(), elsewhere) == frame; }
 

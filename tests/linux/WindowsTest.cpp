@@ -126,7 +126,7 @@ TEST_P(Windows, HiddenTogetherAndBackTogether) {
   desk.set(one.window(), "AXMinimized", false);
   ASSERT_TRUE(desk.waitFor([&] { return !isIconic(one.window()) && !isIconic(two.window()); }));
   EXPECT_FALSE(desk.hiding().isHidden(pid));
-  EXPECT_TRUE(desk.waitFor([&] { return desk.tracker().windows().back().client == one.window(); }));
+  EXPECT_TRUE(desk.waitFor([&] { return desk.tracker().stackingOrder().back() == one.window(); }));
   EXPECT_TRUE(isIconic(aside.window())) << "iconified by hand before";
   EXPECT_FALSE(desk.hiding().hide(1));
 }
@@ -154,7 +154,7 @@ TEST(WindowTable, SurvivesWindowsThatVanishAndWindowManagersThatChange) {
     ManagedWindow window(400, 300, 200, 100);
     window.map();
     // Gone while the requests about it are on their way.
-    desk.placement().want(window.window(), {CGPointMake(10, 10), CGSizeMake(100, 100)});
+    desk.placement().want(window.window(), {CGPointMake(10, 10), CGSizeMake(100, 100)}, {});
     QCoreApplication::processEvents();
   }
   EXPECT_TRUE(desk.waitFor([&] { return desk.tracker().windows().size() == 1; }));

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/Elements.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/linux/x11/Requests.h"
 
@@ -51,16 +52,31 @@ desktop::Element Elements::button(xcb_window_t client, ButtonRole role) {
   return {kButton, client | static_cast<std::uint64_t>(role) << kRoleShift};
 }
 
-bool Elements::mayHitButton(xcb_window_t rootChild, CGPoint position) const {
+bool Elements::mayHitButton(xcb_window_t rootChild, CGPoint position) {
   const auto window = tracker_.windowOfFrame(rootChild);
-  return window && (isOnManagedTitleBar(*window, position) || clientButtonAt(*window, position));
+  if (!window || !(isOnManagedTitleBar(*window, position) || clientButtonAt(*window, position))) return false;
+  const ns::LockGuard guard(lock_);
+  lastPress_ = {rootChild, position};
+  return true;
 }
 
-AXError Elements::atPosition(CGPoint position, desktop::Element& element) const {
+std::optional<xcb_window_t> Elements::rootChildAt(CGPoint position) {
+  {
+    const ns::LockGuard guard(lock_);
+    const Press press = std::exchange(lastPress_, {});
+    if (press.rootChild != XCB_WINDOW_NONE && press.position.x == position.x && press.position.y == position.y) {
+      return press.rootChild;
+    }
+  }
   const auto top =
       connection_.reply(xcb_translate_coordinates_reply, translate(connection_, connection_.root(), position));
+  return top ? std::optional(top->child) : std::nullopt;
+}
+
+AXError Elements::atPosition(CGPoint position, desktop::Element& element) {
+  const auto top = rootChildAt(position);
   if (!top) return kAXErrorCannotComplete;
-  const auto window = tracker_.windowOfFrame(top->child);
+  const auto window = tracker_.windowOfFrame(*top);
   if (!window) return kAXErrorNoValue;
   const auto role =
       isOnManagedTitleBar(*window, position) ? managedButtonAt(*window, position) : clientButtonAt(*window, position);
@@ -79,20 +95,18 @@ std::optional<ButtonRole> Elements::managedButtonAt(const Window& window, CGPoin
   const WindowManager* manager = windowManagerNamed(running.name);
   if (manager == nullptr) return std::nullopt;
   ButtonPath path{connection_, running.pid, {window.frame}, {}};
-  // No window manager nests its buttons deeper; a bound all the same, against a tree that changes under our feet.
-  constexpr std::size_t kDeepest = 6;
-  while (path.windows.size() < kDeepest) {
-    const auto next = connection_.reply(xcb_translate_coordinates_reply, translate(connection_, path.leaf(), position));
-    if (!next) return std::nullopt;
-    if (next->child == XCB_WINDOW_NONE) break;
+  while (path.windows.size() < manager->depth()) {
+    // Both at once: the person waits for each answer of the server.
+    const auto childAsked = translate(connection_, path.leaf(), position);
+    const auto treeAsked = xcb_query_tree(connection_.get(), path.leaf());
+    const auto next = connection_.reply(xcb_translate_coordinates_reply, childAsked);
+    const auto tree = connection_.reply(xcb_query_tree_reply, treeAsked);
+    if (!next || !tree) return std::nullopt;
+    if (next->child == XCB_WINDOW_NONE) return std::nullopt;
     path.windows.push_back(next->child);
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    path.siblings.assign(children, children + xcb_query_tree_children_length(tree.get()));
   }
-  if (path.windows.size() < 2) return std::nullopt;
-  const xcb_window_t parent = path.windows[path.windows.size() - 2];
-  const auto tree = connection_.reply(xcb_query_tree_reply, xcb_query_tree(connection_.get(), parent));
-  if (!tree) return std::nullopt;
-  const xcb_window_t* children = xcb_query_tree_children(tree.get());
-  path.siblings.assign(children, children + xcb_query_tree_children_length(tree.get()));
   return manager->roleOf(path);
 }
 
@@ -182,15 +196,16 @@ AXError Elements::setAttribute(const desktop::Element& element, std::string_view
   }
   if (element.kind != kWindow) return kAXErrorAttributeUnsupported;
   const xcb_window_t client = clientOf(element);
-  if (!tracker_.window(client)) return kAXErrorInvalidUIElement;
+  const auto window = tracker_.window(client);
+  if (!window) return kAXErrorInvalidUIElement;
   if (name == "AXPosition") {
     const auto* position = std::get_if<CGPoint>(&value);
     if (position == nullptr) return kAXErrorIllegalArgument;
-    placement_.want(client, {*position, std::nullopt});
+    placement_.want(client, {*position, std::nullopt}, window->geometry);
   } else if (name == "AXSize") {
     const auto* size = std::get_if<CGSize>(&value);
     if (size == nullptr) return kAXErrorIllegalArgument;
-    placement_.want(client, {std::nullopt, *size});
+    placement_.want(client, {std::nullopt, *size}, window->geometry);
   } else if (name == "AXMinimized") {
     const bool* minimized = std::get_if<bool>(&value);
     if (minimized == nullptr) return kAXErrorIllegalArgument;

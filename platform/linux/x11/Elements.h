@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Lock.h"
 #include "platform/linux/atspi/TitleBarButtons.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/Hiding.h"
@@ -39,16 +40,23 @@ class Elements {
   static desktop::Element button(xcb_window_t client, ButtonRole role);
 
   /// Whether a press in `rootChild`, a child of the root window, could be on a title-bar button. From memory, on any
-  /// thread.
-  bool mayHitButton(xcb_window_t rootChild, CGPoint position) const;
+  /// thread. The press is kept in mind, so that the next atPosition need not ask which window it was in.
+  bool mayHitButton(xcb_window_t rootChild, CGPoint position);
 
   // As in desktop::Desktop.
-  AXError atPosition(CGPoint position, desktop::Element& element) const;
+  AXError atPosition(CGPoint position, desktop::Element& element);
   AXError attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) const;
   AXError setAttribute(const desktop::Element& element, std::string_view name, const desktop::Value& value) const;
   AXError processIdentifier(const desktop::Element& element, pid_t& pid) const;
 
  private:
+  struct Press {
+    xcb_window_t rootChild = XCB_WINDOW_NONE;
+    CGPoint position{};
+  };
+
+  /// None when the X server does not answer.
+  std::optional<xcb_window_t> rootChildAt(CGPoint position);
   bool isOnManagedTitleBar(const Window& window, CGPoint position) const;
   std::optional<ButtonRole> managedButtonAt(const Window& window, CGPoint position) const;
   std::optional<ButtonRole> clientButtonAt(const Window& window, CGPoint position) const;
@@ -63,6 +71,8 @@ class Elements {
   Placement& placement_;
   Hiding& hiding_;
   const ClientButtons clientButtons_;
+  ns::Lock lock_;
+  Press lastPress_ GUARDED_BY(lock_);
 };
 
 }  // namespace x11

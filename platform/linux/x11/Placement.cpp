@@ -63,27 +63,66 @@ void PlacementGoal::merge(const PlacementGoal& later) {
   if (later.size) size = later.size;
 }
 
+struct Placement::Order {
+  PlacementGoal goal;
+  /// The window as last seen by who gives the order.
+  WindowGeometry known;
+  /// Whether the window manager has been asked already, reckoning with `known`.
+  bool isAsked = false;
+};
+
 struct Placement::Shared {
+  explicit Shared(std::unique_ptr<Connection> newConnection)
+      : connection(std::move(newConnection)), atoms(*connection) {}
+
+  const std::unique_ptr<Connection> connection;
+  const Atoms atoms;
+  Wakeup wakeup;
   ns::Lock lock;
-  /// Wanted by the main thread's current task.
-  std::unordered_map<xcb_window_t, PlacementGoal> wanted GUARDED_BY(lock);
+  /// Given by the main thread's current task.
+  std::unordered_map<xcb_window_t, Order> wanted GUARDED_BY(lock);
   /// Handed to the worker.
-  std::unordered_map<xcb_window_t, PlacementGoal> handed GUARDED_BY(lock);
+  std::unordered_map<xcb_window_t, Order> handed GUARDED_BY(lock);
   std::unordered_map<xcb_window_t, Rect> underWay GUARDED_BY(lock);
   bool stopped GUARDED_BY(lock) = false;
-  Wakeup wakeup;
 
   void handOver() {
     {
       const ns::LockGuard guard(lock);
-      for (const auto& [client, goal] : std::exchange(wanted, {})) handed[client].merge(goal);
+      for (auto& [client, order] : std::exchange(wanted, {})) {
+        const auto [earlier, isFirst] = handed.try_emplace(client, order);
+        if (isFirst) {
+          earlier->second.isAsked = askAtOnce(client, order);
+        } else {
+          earlier->second.goal.merge(order.goal);
+          earlier->second.isAsked = false;
+        }
+      }
     }
+    connection->flush();
     wakeup.signal();
+  }
+
+  /// The plain case, without waiting for the worker to wake up: a window that stands free and has no other order.
+  bool askAtOnce(xcb_window_t client, const Order& order) REQUIRES(lock) {
+    const Rect target = order.goal.appliedTo(order.known.frame());
+    if (underWay.contains(client) || order.known.isConfined() || target == order.known.frame()) return false;
+    underWay[client] = target;
+    follow(client);
+    requestMoveResize(*connection, atoms, client, requestForFrame(target, order.known.decoration, order.known.shadow));
+    return true;
+  }
+
+  void follow(xcb_window_t client) const {
+    const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection->get(), client, XCB_CW_EVENT_MASK, &mask);
   }
 };
 
 Placement::Placement(std::unique_ptr<Connection> connection)
-    : connection_(std::move(connection)), atoms_(*connection_), shared_(std::make_shared<Shared>()) {
+    : shared_(std::make_shared<Shared>(std::move(connection))),
+      connection_(shared_->connection.get()),
+      atoms_(shared_->atoms) {
   thread_ = std::thread([this] { run(); });
 }
 
@@ -96,12 +135,14 @@ Placement::~Placement() {
   thread_.join();
 }
 
-void Placement::want(xcb_window_t client, const PlacementGoal& goal) {
+void Placement::want(xcb_window_t client, const PlacementGoal& goal, const WindowGeometry& known) {
   bool isFirst = false;
   {
     const ns::LockGuard guard(shared_->lock);
     isFirst = shared_->wanted.empty();
-    shared_->wanted[client].merge(goal);
+    Order& order = shared_->wanted[client];
+    order.goal.merge(goal);
+    order.known = known;
   }
   if (isFirst) ns::dispatchAsyncOnMainQueue([shared = shared_] { shared->handOver(); });
 }
@@ -111,24 +152,24 @@ Rect Placement::expectedFrame(xcb_window_t client, const Rect& actual) const {
   Rect frame = actual;
   if (const auto found = shared_->underWay.find(client); found != shared_->underWay.end()) frame = found->second;
   if (const auto found = shared_->handed.find(client); found != shared_->handed.end()) {
-    frame = found->second.appliedTo(frame);
+    frame = found->second.goal.appliedTo(frame);
   }
   if (const auto found = shared_->wanted.find(client); found != shared_->wanted.end()) {
-    frame = found->second.appliedTo(frame);
+    frame = found->second.goal.appliedTo(frame);
   }
   return frame;
 }
 
 void Placement::run() {
   for (;;) {
-    while (const Event event = connection_->pollEvent()) handle(*event);
-    if (connection_->isBroken()) return;
     {
       const ns::LockGuard guard(shared_->lock);
       if (shared_->stopped) return;
     }
     shared_->wakeup.clear();
-    takeGoals();
+    takeOrders();  // before the events, which may be the answer to what has been asked already
+    while (const Event event = connection_->pollEvent()) handle(*event);
+    if (connection_->isBroken()) return;
     for (auto entry = jobs_.begin(); entry != jobs_.end();) {
       auto& [client, job] = *entry;
       const bool timedOut = Clock::now() >= job.deadline;
@@ -147,19 +188,23 @@ void Placement::run() {
   }
 }
 
-void Placement::takeGoals() {
-  std::unordered_map<xcb_window_t, PlacementGoal> goals;
+void Placement::takeOrders() {
+  std::unordered_map<xcb_window_t, Order> orders;
   {
     const ns::LockGuard guard(shared_->lock);
-    goals = std::exchange(shared_->handed, {});
+    orders = std::exchange(shared_->handed, {});
   }
-  for (const auto& [client, goal] : goals) {
-    const auto [job, isNew] = jobs_.try_emplace(client);
-    if (isNew) {
-      const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
-      xcb_change_window_attributes(connection_->get(), client, XCB_CW_EVENT_MASK, &mask);
+  for (const auto& [client, order] : orders) {
+    const auto [entry, isNew] = jobs_.try_emplace(client);
+    Job& job = entry->second;
+    if (isNew) shared_->follow(client);
+    if (order.isAsked) {
+      job.target = order.goal.appliedTo(order.known.frame());
+      job.requests = 0;
+      noteRequest(job, order.known);
+    } else if (!begin(client, job, order.goal)) {
+      jobs_.erase(entry);
     }
-    if (!begin(client, job->second, goal)) jobs_.erase(job);
   }
 }
 
@@ -243,12 +288,16 @@ bool Placement::advance(xcb_window_t client, Job& job, bool timedOut) {
 
 bool Placement::ask(xcb_window_t client, Job& job, const WindowGeometry& now) {
   requestMoveResize(*connection_, atoms_, client, requestForFrame(job.target, now.decoration, now.shadow));
+  noteRequest(job, now);
+  return true;
+}
+
+void Placement::noteRequest(Job& job, const WindowGeometry& now) {
   job.phase = Phase::Verifying;
   job.asked = now;
   job.wasThere = false;
   ++job.requests;
   job.deadline = Clock::now() + kAnswering;
-  return true;
 }
 
 bool Placement::arrived(xcb_window_t client, Job& job) {

@@ -37,8 +37,10 @@ class Placement {
   Placement& operator=(const Placement&) = delete;
 
   /// Adds to the window's goal. Nothing is asked of the window manager before the current task of the main queue has
-  /// ended, so that position, size and position again, written one after the other, become one request. Main thread.
-  void want(xcb_window_t client, const PlacementGoal& goal);
+  /// ended, so that position, size and position again, written one after the other, become one request. `known` is the
+  /// window as last seen: the first request is reckoned with it instead of being read anew, as a person waits for it.
+  /// Main thread.
+  void want(xcb_window_t client, const PlacementGoal& goal, const WindowGeometry& known);
   /// `actual` as it will be once what is wanted has been carried out; `actual` itself when nothing is under way, when
   /// the window manager leaves a request unanswered and when somebody else has moved the window since. A second click
   /// that comes before the first one's move is done reckons with its outcome. Any thread.
@@ -60,26 +62,28 @@ class Placement {
     /// When to go on even if no event comes.
     Clock::time_point deadline;
   };
+  struct Order;
   struct Shared;
 
   void run();
-  void takeGoals();
+  void takeOrders();
   void handle(const xcb_generic_event_t& event);
   void handleMove(const xcb_configure_notify_event_t& move);
   /// Each answers whether the job goes on.
   bool begin(xcb_window_t client, Job& job, const PlacementGoal& goal);
   bool advance(xcb_window_t client, Job& job, bool timedOut);
   bool ask(xcb_window_t client, Job& job, const WindowGeometry& now);
+  static void noteRequest(Job& job, const WindowGeometry& now);
   bool arrived(xcb_window_t client, Job& job);
   bool finish(xcb_window_t client);
   void forgetExpectation(xcb_window_t client);
   bool isAsGoodAsItGets(xcb_window_t client, const Job& job, const WindowGeometry& now) const;
   int untilNextDeadline() const;
 
-  const std::unique_ptr<Connection> connection_;
-  const Atoms atoms_;
   /// Outlives this object in the tasks that are queued on the main queue.
   const std::shared_ptr<Shared> shared_;
+  const Connection* const connection_;
+  const Atoms& atoms_;
   /// Of the worker's thread.
   std::unordered_map<xcb_window_t, Job> jobs_;
   std::thread thread_;

@@ -56,8 +56,8 @@ void WindowTracker::run() {
       if (lossHandler_) lossHandler_();
       return;
     }
-    if (windowManagerDirty_ || clientsDirty_ || stackingDirty_ || activeDirty_ || !frameDirty_.empty() ||
-        !geometryDirty_.empty() || !propertiesDirty_.empty()) {
+    if (windowManagerDirty_ || clientsDirty_ || activeDirty_ || !frameDirty_.empty() || !geometryDirty_.empty() ||
+        !propertiesDirty_.empty()) {
       // Only now, so that a hundred moves of a window that is being dragged are asked about once. The replies may bring
       // further events along, hence no waiting yet.
       refreshDirty();
@@ -105,7 +105,6 @@ void WindowTracker::handle(const xcb_generic_event_t& event) {
 void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
   if (event.window == connection_->root()) {
     if (event.atom == atoms_.netClientList) clientsDirty_ = true;
-    if (event.atom == atoms_.netClientListStacking) stackingDirty_ = true;
     if (event.atom == atoms_.netActiveWindow) activeDirty_ = true;
     if (event.atom == atoms_.netSupportingWmCheck) windowManagerDirty_ = true;
     return;
@@ -133,7 +132,6 @@ void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
 void WindowTracker::refreshDirty() {
   if (std::exchange(windowManagerDirty_, false)) refreshWindowManager();
   if (std::exchange(clientsDirty_, false)) refreshClients();
-  if (std::exchange(stackingDirty_, false)) refreshStacking();
 
   for (const xcb_window_t client : std::exchange(frameDirty_, {})) {
     const auto frame = rootChildOf(*connection_, client);
@@ -216,12 +214,6 @@ void WindowTracker::refreshClients() {
   }
 }
 
-void WindowTracker::refreshStacking() {
-  auto stacking = readItems(*connection_, connection_->root(), atoms_.netClientListStacking);
-  const ns::LockGuard guard(lock_);
-  stacking_ = std::move(stacking);
-}
-
 void WindowTracker::refreshActive() {
   const auto active = readItems(*connection_, connection_->root(), atoms_.netActiveWindow);
   if (active.empty()) return;
@@ -301,13 +293,7 @@ std::vector<Window> WindowTracker::windows() const {
   const ns::LockGuard guard(lock_);
   std::vector<Window> windows;
   windows.reserve(windows_.size());
-  for (const xcb_window_t client : stacking_) {
-    if (const auto found = windows_.find(client); found != windows_.end()) windows.push_back(found->second);
-  }
-  // The stacking list may lag behind the client list.
-  for (const auto& [client, window] : windows_) {
-    if (std::find(stacking_.begin(), stacking_.end(), client) == stacking_.end()) windows.push_back(window);
-  }
+  for (const auto& [client, window] : windows_) windows.push_back(window);
   return windows;
 }
 
@@ -315,6 +301,10 @@ std::vector<Window> WindowTracker::windowsOfProcess(pid_t pid) const {
   std::vector<Window> all = windows();
   std::erase_if(all, [pid](const Window& window) { return window.pid != pid; });
   return all;
+}
+
+std::vector<xcb_window_t> WindowTracker::stackingOrder() const {
+  return readItems(*connection_, connection_->root(), atoms_.netClientListStacking);
 }
 
 RunningWindowManager WindowTracker::windowManager() const {

@@ -54,9 +54,10 @@ class WindowTracker {
   std::optional<Window> window(xcb_window_t client) const;
   /// The managed window inside a child of the root window.
   std::optional<Window> windowOfFrame(xcb_window_t rootChild) const;
-  /// The bottommost first.
   std::vector<Window> windows() const;
   std::vector<Window> windowsOfProcess(pid_t pid) const;
+  /// The bottommost window first. Asks the X server: the order changes at every click and is seldom wanted.
+  std::vector<xcb_window_t> stackingOrder() const;
   RunningWindowManager windowManager() const;
 
  private:
@@ -65,7 +66,6 @@ class WindowTracker {
   void handleProperty(const xcb_property_notify_event_t& event);
   void refreshWindowManager();
   void refreshClients();
-  void refreshStacking();
   void refreshActive();
   void refreshDirty();
   void add(xcb_window_t client);
@@ -85,7 +85,6 @@ class WindowTracker {
   xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
   bool windowManagerDirty_ = true;
   bool clientsDirty_ = true;
-  bool stackingDirty_ = true;
   bool activeDirty_ = false;
   std::set<xcb_window_t> frameDirty_;
   std::set<xcb_window_t> geometryDirty_;
@@ -93,9 +92,8 @@ class WindowTracker {
   std::map<xcb_window_t, std::uint32_t> propertiesDirty_;
 
   mutable ns::Lock lock_;
-  std::unordered_map<xcb_window_t, Window> windows_ GUARDED_BY(lock_);
+  std::map<xcb_window_t, Window> windows_ GUARDED_BY(lock_);
   std::unordered_map<xcb_window_t, xcb_window_t> clientOfFrame_ GUARDED_BY(lock_);
-  std::vector<xcb_window_t> stacking_ GUARDED_BY(lock_);
   RunningWindowManager windowManager_ GUARDED_BY(lock_);
 };
 

@@ -48,9 +48,9 @@ std::string configurationPath(pid_t pid) {
 
 class Fluxbox final : public WindowManager {
  public:
+  std::size_t depth() const override { return 3; }
   std::optional<ButtonRole> roleOf(const ButtonPath& path) const override {
     constexpr std::size_t kLabelParts = 2;
-    if (path.windows.size() != 3) return std::nullopt;
     // By age, that is by number: fluxbox raises and lowers the parts of the label.
     std::vector<xcb_window_t> parts = path.siblings;
     std::sort(parts.begin(), parts.end());

@@ -8,8 +8,8 @@ namespace {
 
 class IceWM final : public WindowManager {
  public:
+  std::size_t depth() const override { return 3; }
   std::optional<ButtonRole> roleOf(const ButtonPath& path) const override {
-    if (path.windows.size() != 3) return std::nullopt;
     const auto titleCookie = requestProperty(path.connection, path.windows[1], XCB_ATOM_WM_NAME);
     const auto leafCookie = requestProperty(path.connection, path.leaf(), XCB_ATOM_WM_NAME);
     const std::string title = propertyText(receiveProperty(path.connection, titleCookie));

@@ -7,9 +7,10 @@ namespace {
 
 class Openbox final : public WindowManager {
  public:
+  std::size_t depth() const override { return 3; }
   std::optional<ButtonRole> roleOf(const ButtonPath& path) const override {
     constexpr std::size_t kPartsOfTitle = 12;
-    if (path.windows.size() != 3 || path.siblings.size() != kPartsOfTitle) return std::nullopt;
+    if (path.siblings.size() != kPartsOfTitle) return std::nullopt;
     switch (path.index()) {
       case 6:
         return ButtonRole::Zoom;

@@ -1,7 +1,7 @@
 // What is known about one window manager: how to tell which of its windows is which title-bar button.
 //
-// To teach Ostrel another one: write a file beside this one with a class that answers roleOf, and name it in the table
-// in Registry.cpp.
+// To teach Ostrel another one: write a file beside this one with a class that answers depth and roleOf, and name it in
+// the table in Registry.cpp.
 #pragma once
 
 #include <sys/types.h>
@@ -24,9 +24,9 @@ struct ButtonPath {
   const Connection& connection;
   /// The process of the window manager; 0 when unknown.
   pid_t windowManagerPid = 0;
-  /// From the frame, a child of the root window, down to the deepest window. Never empty.
+  /// From the frame, a child of the root window, down to where buttons are.
   std::vector<xcb_window_t> windows;
-  /// The children of the deepest window's parent, the bottommost first; the deepest window is one of them.
+  /// The children of the last one's parent, the bottommost first; it is one of them.
   std::vector<xcb_window_t> siblings;
 
   xcb_window_t leaf() const { return windows.back(); }
@@ -38,7 +38,10 @@ struct ButtonPath {
 class WindowManager {
  public:
   virtual ~WindowManager() = default;
-  /// None when the deepest window is no button that Ostrel knows, or nothing certain can be told.
+  /// How many windows lead to a button, the frame and the button itself included; at least 2.
+  virtual std::size_t depth() const = 0;
+  /// For a path of that many windows. None when the last one is no button that Ostrel knows, or nothing certain can be
+  /// told.
   virtual std::optional<ButtonRole> roleOf(const ButtonPath& path) const = 0;
 };
 

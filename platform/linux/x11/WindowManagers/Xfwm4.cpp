@@ -8,10 +8,10 @@ namespace {
 
 class Xfwm4 final : public WindowManager {
  public:
+  std::size_t depth() const override { return 2; }
   std::optional<ButtonRole> roleOf(const ButtonPath& path) const override {
     constexpr std::uint32_t kButtonMask = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
     constexpr std::size_t kButtons = 6;
-    if (path.windows.size() != 2) return std::nullopt;
     std::vector<xcb_get_window_attributes_cookie_t> cookies;
     cookies.reserve(path.siblings.size());
     for (const xcb_window_t window : path.siblings) {
