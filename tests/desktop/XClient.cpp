@@ -167,6 +167,11 @@ void XClient::click(Point point, int number) {
   hands_.click(number);
 }
 
+void XClient::doubleClick(Point point) {
+  movePointer(point);
+  hands_.doubleClick();
+}
+
 void XClient::drag(const std::vector<Point>& path) {
   movePointer(path.front());
   press();

@@ -83,6 +83,7 @@ class XClient {
   void letGo(Key key) { hands_.keyUp(static_cast<xcb_keysym_t>(key)); }
   void type(xcb_keysym_t symbol) { hands_.tapKey(symbol); }
   void click(Point point, int number = 1);
+  void doubleClick(Point point);
   /// Presses at the first point and releases at the last, all at once.
   void drag(const std::vector<Point>& path);
   /// Whether a lock key is on.

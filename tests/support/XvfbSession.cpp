@@ -48,6 +48,12 @@ void Hands::click(int button) {
   press(button);
   release(button);
 }
+void Hands::doubleClick(std::chrono::milliseconds pause) {
+  press();
+  fake(XCB_BUTTON_RELEASE, 1, 0, 0, pause);
+  fake(XCB_BUTTON_PRESS, 1, 0, 0, pause);
+  fake(XCB_BUTTON_RELEASE, 1, 0, 0, pause);
+}
 void Hands::keyDown(xcb_keysym_t key) { fake(XCB_KEY_PRESS, keycode(key), 0, 0); }
 void Hands::keyUp(xcb_keysym_t key) { fake(XCB_KEY_RELEASE, keycode(key), 0, 0); }
 void Hands::tapKey(xcb_keysym_t key) {
@@ -55,8 +61,8 @@ void Hands::tapKey(xcb_keysym_t key) {
   keyUp(key);
 }
 
-void Hands::fake(std::uint8_t type, xcb_keycode_t detail, int x, int y) {
-  xcb_test_fake_input(connection_->get(), type, detail, XCB_CURRENT_TIME, connection_->root(),
+void Hands::fake(std::uint8_t type, xcb_keycode_t detail, int x, int y, std::chrono::milliseconds after) {
+  xcb_test_fake_input(connection_->get(), type, detail, static_cast<std::uint32_t>(after.count()), connection_->root(),
                       static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
   connection_->synchronise();
 }

@@ -39,13 +39,15 @@ class Hands {
   void press(int button = 1);
   void release(int button = 1);
   void click(int button = 1);
+  /// At a person's pace, which the server keeps: `pause` between each press, release and press.
+  void doubleClick(std::chrono::milliseconds pause = std::chrono::milliseconds(40));
   void keyDown(xcb_keysym_t key);
   void keyUp(xcb_keysym_t key);
   void tapKey(xcb_keysym_t key);
   x11::Connection& connection() { return *connection_; }
 
  private:
-  void fake(std::uint8_t type, xcb_keycode_t detail, int x, int y);
+  void fake(std::uint8_t type, xcb_keycode_t detail, int x, int y, std::chrono::milliseconds after = {});
   xcb_keycode_t keycode(xcb_keysym_t key);
 
   std::unique_ptr<x11::Connection> connection_;
