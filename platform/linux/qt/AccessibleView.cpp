@@ -21,6 +21,9 @@ class AccessibleView final : public QAccessibleWidget, public QAccessibleValueIn
         return facts().name;
       case QAccessible::Value:
         return facts().value;
+      case QAccessible::Description:
+        // The bus has no place for the value of a control that shows no number.
+        return facts().range ? QString() : facts().value;
       default:
         return QAccessibleWidget::text(kind);
     }
@@ -58,7 +61,9 @@ class AccessibleView final : public QAccessibleWidget, public QAccessibleValueIn
     const auto keep = native->keepAlive();
     const auto known = native->accessibleFacts();
     if (name == pressAction() || name == toggleAction()) {
-      native->press();
+      // Later, because it may open a dialog and wait for its answer, and the program that asked is waiting too.
+      QMetaObject::invokeMethod(
+          &widget_, [&widget = widget_] { press(widget); }, Qt::QueuedConnection);
     } else if (known.range && name == increaseAction()) {
       native->setAccessibleValue(known.range->value + known.range->step);
     } else if (known.range && name == decreaseAction()) {
@@ -77,16 +82,26 @@ class AccessibleView final : public QAccessibleWidget, public QAccessibleValueIn
   }
 
  private:
+  static void press(ViewWidget& widget) {
+    if (!widget.native()) return;
+    const auto keep = widget.native()->keepAlive();
+    widget.native()->press();
+  }
+
   AccessibleFacts facts() const { return widget_.native() ? widget_.native()->accessibleFacts() : AccessibleFacts(); }
   AccessibleRange range() const { return facts().range.value_or(AccessibleRange{}); }
 
   ViewWidget& widget_;
 };
 
-QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
-  // Views have no class name of their own to go by.
-  auto* const widget = dynamic_cast<ViewWidget*>(object);
-  return widget ? new AccessibleView(*widget) : nullptr;
+QAccessibleInterface* makeAccessible(const QString& className, QObject* object) {
+  // Views and windows have no class name of their own to go by.
+  if (auto* const view = dynamic_cast<ViewWidget*>(object)) return new AccessibleView(*view);
+  auto* const widget = qobject_cast<QWidget*>(object);
+  if (widget && widget->isWindow() && className == QLatin1String("QWidget")) {
+    return new QAccessibleWidget(widget, QAccessible::Window);
+  }
+  return nullptr;
 }
 
 }  // namespace

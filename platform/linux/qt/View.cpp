@@ -68,6 +68,8 @@ qt::AccessibleFacts View::Native::accessibleFacts() const {
     facts.role = QAccessible::PageTab;
     facts.isSelected = isAccessibilitySelected;
     facts.canPress = true;
+  } else if (std::ranges::any_of(subviews, [](const auto& one) { return one->native().isAccessibilityButton; })) {
+    facts.role = QAccessible::PageTabList;
   }
   return facts;
 }
