@@ -271,6 +271,8 @@ bool Placement::advance(xcb_window_t client, Job& job, bool timedOut) {
   if (now->isConfined()) return finish(client);
   const Rect frame = now->frame();
   if (frame == job.target) return job.phase == Phase::Watching || arrived(client, job);
+  // Not every window manager tells of a move that comes with a new size.
+  if (frame.x == job.target.x && frame.y == job.target.y) job.wasThere = true;
   // It has been there and is gone: somebody else moves it, and is not to be fought. Where it was before, it may not
   // have moved yet: some tell of a move before they make it.
   const bool isElsewhere = (frame.x != job.target.x || frame.y != job.target.y) && frame != job.asked.frame();
