@@ -68,6 +68,7 @@ DesktopSession::DesktopSession(WindowManager windowManager, int width, int heigh
 DesktopSession::~DesktopSession() {
   ostrel_.reset();
   applications_.clear();
+  panel_.reset();
   windowManagerProcess_.reset();
   bus_.reset();
   x_.reset();
@@ -198,7 +199,9 @@ std::vector<Window> DesktopSession::decoration(Window window) {
 bool DesktopSession::isIdle() const {
   std::vector<pid_t> processes{server_->serverPid(), bus_->pid(), windowManagerProcess_->pid()};
   for (const auto& application : applications_) processes.push_back(application->pid());
-  if (ostrel_) processes.push_back(ostrel_->pid());
+  for (const auto* process : {panel_.get(), ostrel_.get()}) {
+    if (process) processes.push_back(process->pid());
+  }
   for (const pid_t process : processes) {
     std::error_code ended;
     for (const auto& thread :
@@ -225,6 +228,7 @@ void DesktopSession::settle() {
 }
 
 void DesktopSession::click(Window window, Button which, int mouseButton) {
+  settle();  // or the window manager may still be moving them
   const Point place = button(window, which);
   settle();
   x_->click(place, mouseButton);

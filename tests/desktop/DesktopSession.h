@@ -47,6 +47,9 @@ class DesktopSession {
   /// Starts the window manager, in place of one that runs.
   void restartWindowManager();
   void stopServer() { server_.reset(); }
+  /// Starts a panel.
+  void startPanel(const Arguments& arguments) { panel_ = start(arguments, "panel.log"); }
+  void stopPanel() { panel_.reset(); }
   /// Starts an application and waits for its window, which it then places, if a frame is given.
   Window open(const Arguments& arguments);
   Window open(const Arguments& arguments, const Frame& frame);
@@ -95,6 +98,7 @@ class DesktopSession {
   std::unique_ptr<XClient> x_;
   std::unique_ptr<support::ChildProcess> bus_;
   std::unique_ptr<support::ChildProcess> windowManagerProcess_;
+  std::unique_ptr<support::ChildProcess> panel_;
   std::vector<std::unique_ptr<support::ChildProcess>> applications_;
   std::unique_ptr<support::ChildProcess> ostrel_;
 };

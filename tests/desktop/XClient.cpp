@@ -134,6 +134,23 @@ Window XClient::primarySelectionOwner() {
   return reply ? reply->owner : Window{XCB_NONE};
 }
 
+Window XClient::embeddedWindow(Window within) {
+  for (const Window child : children(within)) {
+    const auto shown = attributes(child);
+    if (!shown || shown->map_state != XCB_MAP_STATE_VIEWABLE) continue;
+    // Some toolkits tell it of every window: those that no tray has taken belong to the root or the window manager.
+    const bool isEmbedded = within != root() && property(child, "WM_STATE").empty();
+    if (isEmbedded && !property(child, "_XEMBED_INFO").empty()) return child;
+    if (const Window deeper = embeddedWindow(child)) return deeper;
+  }
+  return XCB_NONE;
+}
+
+std::optional<Frame> XClient::trayIcon() {
+  const Window icon = embeddedWindow(root());
+  return icon ? rectangle(icon) : std::nullopt;
+}
+
 void XClient::sendToRoot(Window window, const std::string& type, const std::vector<std::uint32_t>& data) {
   xcb_client_message_event_t event{};
   event.response_type = XCB_CLIENT_MESSAGE;

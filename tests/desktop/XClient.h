@@ -70,6 +70,8 @@ class XClient {
   /// The top-level window that holds this one: a client's decoration.
   Window topLevel(Window window);
   Window primarySelectionOwner();
+  /// Where a tray shows the icon that was embedded in it.
+  std::optional<Frame> trayIcon();
 
   /// Asks the window manager for a frame.
   void moveResize(Window window, const Frame& frame);
@@ -96,6 +98,7 @@ class XClient {
 
  private:
   bool hasState(Window window, const std::string& name);
+  Window embeddedWindow(Window within);
   void sendToRoot(Window window, const std::string& type, const std::vector<std::uint32_t>& data);
 
   support::Hands hands_;
