@@ -16,9 +16,7 @@ bool Hiding::hide(pid_t pid) {
   std::vector<Window> windows = tracker_.windowsOfProcess(pid);
   if (windows.empty()) return false;
   const auto order = tracker_.stackingOrder();
-  const auto place = [&order](const Window& window) { return std::find(order.begin(), order.end(), window.client); };
-  std::stable_sort(windows.begin(), windows.end(),
-                   [&place](const Window& one, const Window& other) { return place(one) < place(other); });
+  std::ranges::sort(windows, {}, [&order](const Window& window) { return std::ranges::find(order, window.client); });
   {
     const ns::LockGuard guard(lock_);
     Hidden& hidden = hidden_[pid];

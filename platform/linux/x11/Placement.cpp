@@ -199,7 +199,7 @@ void Placement::takeOrders() {
     Job& job = entry->second;
     if (isNew) shared_->follow(client);
     if (order.isAsked) {
-      job.target = order.goal.appliedTo(order.known.frame());
+      aim(client, job, order.goal.appliedTo(order.known.frame()));
       job.requests = 0;
       noteRequest(job, order.known);
     } else if (!begin(client, job, order.goal)) {
@@ -247,11 +247,7 @@ bool Placement::begin(xcb_window_t client, Job& job, const PlacementGoal& goal) 
   const auto now = GeometryRequest(*connection_, atoms_, client).receive();
   if (!now) return finish(client);
   const bool isUnderWay = job.requests > 0 || job.wasConfined;
-  job.target = goal.appliedTo(isUnderWay && job.phase != Phase::Watching ? job.target : now->frame());
-  {
-    const ns::LockGuard guard(shared_->lock);
-    shared_->underWay[client] = job.target;
-  }
+  aim(client, job, goal.appliedTo(isUnderWay && job.phase != Phase::Watching ? job.target : now->frame()));
   if (isUnderWay && job.phase == Phase::Restoring) return true;
   job.requests = 0;
   if (now->frame() == job.target) return arrived(client, job);
@@ -261,6 +257,12 @@ bool Placement::begin(xcb_window_t client, Job& job, const PlacementGoal& goal) 
   job.wasConfined = true;
   job.deadline = Clock::now() + kRestoring;
   return true;
+}
+
+void Placement::aim(xcb_window_t client, Job& job, const Rect& target) {
+  job.target = target;
+  const ns::LockGuard guard(shared_->lock);
+  shared_->underWay[client] = target;
 }
 
 bool Placement::advance(xcb_window_t client, Job& job, bool timedOut) {

@@ -69,11 +69,12 @@ class Placement {
   void takeOrders();
   void handle(const xcb_generic_event_t& event);
   void handleMove(const xcb_configure_notify_event_t& move);
+  void aim(xcb_window_t client, Job& job, const Rect& target);
+  static void noteRequest(Job& job, const WindowGeometry& now);
   /// Each answers whether the job goes on.
   bool begin(xcb_window_t client, Job& job, const PlacementGoal& goal);
   bool advance(xcb_window_t client, Job& job, bool timedOut);
   bool ask(xcb_window_t client, Job& job, const WindowGeometry& now);
-  static void noteRequest(Job& job, const WindowGeometry& now);
   bool arrived(xcb_window_t client, Job& job);
   bool finish(xcb_window_t client);
   void forgetExpectation(xcb_window_t client);
