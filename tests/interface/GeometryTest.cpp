@@ -13,6 +13,7 @@ struct WindowSize {
   double width;
   double height;
 };
+void PrintTo(const WindowSize& size, std::ostream* out) { *out << size.name; }
 
 class GeometryTest : public SettingsTest, public testing::WithParamInterface<WindowSize> {
  protected:
