@@ -63,6 +63,8 @@ class DesktopSession {
 
   /// Runs a program of this desktop to its end.
   CommandResult command(const Arguments& arguments);
+  /// The text of the preference file; empty when there is none.
+  std::string preferences() const { return home_.read("CONFIG_HOME/ostrel/preferences.json"); }
   /// Replaces the preference file by this JSON object.
   void writePreferences(const std::string& object);
   /// Runs `ostrel` with these arguments to its end.

@@ -41,8 +41,8 @@ class SettingsTest : public DesktopTest {
   /// Clicks a control in the middle of its width, at this part of its height.
   void click(const std::string& role, const std::string& name, double part = 0.5) {
     const auto look = [&] {
-      const auto control = tool.find(role, name);
-      return control ? std::optional(control->place) : std::nullopt;
+      const auto found = tool.find(role, name);
+      return found ? std::optional(found->place) : std::nullopt;
     };
     clickAt(restingPlace(role + ' ' + name, look), part);
   }
@@ -51,6 +51,12 @@ class SettingsTest : public DesktopTest {
   }
 
   bool has(const std::string& role, const std::string& name) { return tool.find(role, name).has_value(); }
+  Control control(const std::string& role, const std::string& name) {
+    auto found = tool.find(role, name);
+    if (!found) throw std::runtime_error("there is no " + role + ' ' + name);
+    return std::move(*found);
+  }
+  std::string value(const std::string& role, const std::string& name) { return control(role, name).value; }
 
   void chooseFromTray(const std::string& item) {
     clickAt(restingPlace("icon", [&] { return x.trayIcon(); }));
@@ -62,12 +68,12 @@ class SettingsTest : public DesktopTest {
     desktop.startOstrel();
     chooseFromTray("Settings");
     click("page tab", tab);
-    EXPECT_TRUE(happens([&] { return tool.find("page tab", tab)->is("selected"); }));
+    EXPECT_TRUE(happens([&] { return control("page tab", tab).is("selected"); }));
   }
 
   void flip(const std::string& name, bool on) {
     click("check box", name);
-    EXPECT_TRUE(happens([&] { return tool.find("check box", name)->is("checked") == on; })) << name;
+    EXPECT_TRUE(happens([&] { return control("check box", name).is("checked") == on; })) << name;
   }
 
   AssistiveTool tool{desktop};
@@ -109,20 +115,20 @@ TEST_F(SettingsTest, AMarginHoldsForTheNextZoom) {
   openSettings("Displays");
 
   click("text", "Left");
-  EXPECT_TRUE(happens([&] { return tool.find("text", "Left")->is("focused"); }));
+  EXPECT_TRUE(happens([&] { return control("text", "Left").is("focused"); }));
   x.hold(Key::Control);
   x.type('a');
   x.letGo(Key::Control);
   for (const char digit : {'2', '0'}) x.type(static_cast<xcb_keysym_t>(digit));
-  EXPECT_TRUE(happens([&] { return tool.find("text", "Left")->value == "20"; }));
+  EXPECT_TRUE(happens([&] { return value("text", "Left") == "20"; }));
   x.type(returnKey);
-  EXPECT_TRUE(happens([&] { return tool.find("spin button", "Left")->value == "20"; }));
+  EXPECT_TRUE(happens([&] { return value("spin button", "Left") == "20"; }));
   desktop.click(window, Button::Zoom);
   EXPECT_TRUE(reaches(window, {20, 56, 1868, 812}));
   desktop.place(window, otherFrame);
 
   click("spin button", "Top", 0.25);
-  EXPECT_TRUE(happens([&] { return tool.find("text", "Top")->value == "57"; }));
+  EXPECT_TRUE(happens([&] { return value("text", "Top") == "57"; }));
   desktop.click(window, Button::Zoom);
   EXPECT_TRUE(reaches(window, {20, 57, 1868, 811}));
 }
@@ -137,7 +143,7 @@ TEST_F(SettingsTest, AnApplicationIsExcludedAndTakenBack) {
     return search && search->is("focused");
   }));
   for (const char letter : {'m', 'o', 'u', 's', 'e', 'p'}) x.type(static_cast<xcb_keysym_t>(letter));
-  EXPECT_TRUE(happens([&] { return tool.find("text", "Search applications")->value == "mousep"; }));
+  EXPECT_TRUE(happens([&] { return value("text", "Search applications") == "mousep"; }));
   click("list item", "Mousepad");
   click("push button", "Exclude");
   EXPECT_TRUE(happens([&] { return has("push button", "Remove Mousepad"); }));
@@ -148,6 +154,64 @@ TEST_F(SettingsTest, AnApplicationIsExcludedAndTakenBack) {
   EXPECT_TRUE(happens([&] { return !has("push button", "Remove Mousepad"); }));
   desktop.click(window, Button::Minimise);
   EXPECT_TRUE(reaches(window, centred(window, 0, 1920)));
+}
+
+TEST_F(SettingsTest, AssistiveTechnologyReadsAndUsesEveryControl) {
+  openSettings();
+  // About stands apart from the others.
+  const std::vector<std::string> window = {"frame Ostrel",     "page tab list ",    "page tab list ",
+                                           "page tab General", "page tab Displays", "page tab Exclude",
+                                           "page tab About"};
+  const auto shows = [&](const std::string& tab, const std::vector<std::string>& controls) {
+    std::vector<std::string> wanted = window;
+    wanted.insert(wanted.end(), controls.begin(), controls.end());
+    EXPECT_TRUE(tool.press("page tab", tab));
+    std::vector<std::string> seen;
+    EXPECT_TRUE(happens([&] {
+      seen.clear();
+      for (const Control& one : tool.controls()) seen.push_back(one.role + ' ' + one.name);
+      return seen == wanted;
+    })) << testing::PrintToString(seen);
+    EXPECT_TRUE(control("page tab", tab).is("selected"));
+  };
+
+  const std::vector<std::string> margins = {"Top", "Left", "Right", "Bottom"};
+  std::vector<std::string> displays{"combo box Choose display"};
+  for (const std::string& margin : margins) {
+    for (const char* role : {"text ", "spin button "}) displays.push_back(role + margin);
+  }
+  displays.push_back("push button Reset margins for this display");
+  shows("Displays", displays);
+  EXPECT_EQ(value("combo box", "Choose display"), "screen (main display)");
+  for (const std::string& margin : margins) {
+    const std::string before = value("text", margin);
+    EXPECT_EQ(value("spin button", margin), before);
+    EXPECT_TRUE(tool.press("spin button", margin));
+    EXPECT_EQ(value("text", margin), std::to_string(std::stoi(before) + 1)) << margin;
+  }
+  EXPECT_TRUE(tool.press("push button", "Reset margins for this display"));
+  EXPECT_TRUE(happens([&] { return value("text", "Top") == "56"; }));
+
+  shows("Exclude", {"push button Add app…"});
+  EXPECT_TRUE(tool.press("push button", "Add app…")) << "a dialog that opens keeps nobody waiting";
+  EXPECT_TRUE(happens([&] { return has("list", "Applications") && has("push button", "Exclude"); }));
+  EXPECT_TRUE(tool.press("push button", "Cancel"));
+  shows("About", {"link ostrel.example"});
+
+  const std::string titles[] = {"Open at login", "Yellow button centers the window", "Green button fills the screen",
+                                "Red button hides the app"};
+  std::vector<std::string> switches;
+  for (const std::string& title : titles) switches.push_back("check box " + title);
+  shows("General", switches);
+  for (const std::string& title : titles) {
+    const bool wasOn = control("check box", title).is("checked");
+    EXPECT_TRUE(tool.press("check box", title));
+    EXPECT_TRUE(happens([&] { return control("check box", title).is("checked") != wasOn; })) << title;
+  }
+  for (const char* stored : {"\"behavior.yellowButtonEnabled\": false", "\"behavior.greenButtonEnabled\": false",
+                             "\"behavior.redButtonHidesWindow\": true"}) {
+    EXPECT_TRUE(happens([&] { return desktop.preferences().find(stored) != std::string::npos; })) << stored;
+  }
 }
 
 TEST_F(SettingsTest, TheIconComesBackWithThePanel) {

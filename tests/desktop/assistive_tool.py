@@ -16,7 +16,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, Gio, GLib  # noqa: E402
 
 # Not controls: what holds them together, and what is written or painted beside them.
-HOLDERS = {"application", "panel", "filler", "page tab list", "viewport", "scroll pane"}
+HOLDERS = {"application", "panel", "filler", "viewport", "scroll pane"}
 REST = {"label", "image", "separator", "scroll bar"}
 
 # An open menu hangs under no window; whoever wants to know of it listens.
@@ -80,8 +80,9 @@ def find(program, role, name):
     except GLib.Error:
         pass  # it is gone
     for element in controls_of(program):
-        if element.get_role_name() == role and element.get_name() == name:
-            found[program, role, name] = element
+        seen = (program, element.get_role_name(), element.get_name())
+        found[seen] = element
+        if seen == (program, role, name):
             return element
     return None
 
