@@ -238,15 +238,19 @@ TEST_F(SettingsTest, APanelOnTheSessionBusShowsTheIcon) {
       <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
     </property>
   </property>
-  <property name="plugins" type="empty"><property name="plugin-1" type="string" value="systray"/></property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="systray">
+      <property name="square-icons" type="bool" value="true"/>
+    </property>
+  </property>
 </channel>
 )");
   desktop.startPanel({"xfce4-panel"});
   desktop.startOstrel();
-  // What is embedded here is the panel's own row of icons, as long as it is empty a line.
+  // What is embedded here is the panel's own row of icons: slimmer than one icon while there is none.
   const auto row = [&] {
     const auto place = x.trayIcon();
-    return place && place->width > 10 ? place : std::nullopt;
+    return place && place->width >= place->height ? place : std::nullopt;
   };
   clickAt(restingPlace("icon", row));
   click("menu item", "Settings");
