@@ -247,6 +247,15 @@ TEST_F(SettingsTest, APanelOnTheSessionBusShowsTheIcon) {
 )");
   desktop.startPanel({"xfce4-panel"});
   desktop.startOstrel();
+  const Arguments question{"dbus-send",
+                           "--print-reply",
+                           "--dest=org.kde.StatusNotifierWatcher",
+                           "/StatusNotifierWatcher",
+                           "org.freedesktop.DBus.Properties.Get",
+                           "string:org.kde.StatusNotifierWatcher",
+                           "string:RegisteredStatusNotifierItems"};
+  const std::string item = "org.kde.StatusNotifierItem-" + std::to_string(desktop.ostrel().pid());
+  EXPECT_TRUE(happens([&] { return desktop.command(question).output.find(item) != std::string::npos; }));
   // What is embedded here is the panel's own row of icons: slimmer than one icon while there is none.
   const auto row = [&] {
     const auto place = x.trayIcon();
