@@ -40,10 +40,18 @@ std::string_view environment(const char* name) {
   return value == nullptr ? std::string_view() : value;
 }
 
+/// X.Org packs its version into the number: 12101007 is 1.21.1.7. Others number as they like.
+std::string serverVersion(const std::string& vendor, std::uint32_t release) {
+  if (vendor.find("X.Org") == std::string::npos) return std::to_string(release);
+  return std::to_string(release / 10'000'000) + '.' + std::to_string(release / 100'000 % 100) + '.' +
+         std::to_string(release / 1000 % 100) + '.' + std::to_string(release % 1000);
+}
+
 std::string serverDescription(const Connection& connection) {
   const xcb_setup_t* setup = xcb_get_setup(connection.get());
-  return std::string(xcb_setup_vendor(setup), static_cast<std::size_t>(xcb_setup_vendor_length(setup))) + " " +
-         std::to_string(setup->release_number) + ", display " + std::string(environment("DISPLAY")) +
+  const std::string vendor(xcb_setup_vendor(setup), static_cast<std::size_t>(xcb_setup_vendor_length(setup)));
+  return vendor + " " + serverVersion(vendor, setup->release_number) + ", display " +
+         std::string(environment("DISPLAY")) +
          (environment("WAYLAND_DISPLAY").empty() ? "" : " (inside a Wayland session: only X11 windows can be handled)");
 }
 
