@@ -1,4 +1,6 @@
 // The Exclude tab: the applications whose window buttons are left alone.
+#include <algorithm>
+
 #include "Ostrel/SettingsLayout.h"
 #include "Ostrel/SettingsWindowController.h"
 #include "Ostrel/SymbolImage.h"
@@ -18,6 +20,26 @@ std::string withoutAppSuffixes(const std::string& name) {
     if (end == std::string::npos) return result;
     start = end + suffix.size();
   }
+}
+
+/// What the button that adds is found by when the list has been made anew; no application is called so.
+constexpr const char* addIdentifier = "add";
+
+std::shared_ptr<ns::View> viewIdentified(const ns::View& within, const std::string& identifier) {
+  for (const auto& subview : within.subviews()) {
+    if (subview->identifier() == identifier) return subview;
+    if (auto found = viewIdentified(*subview, identifier)) return found;
+  }
+  return nullptr;
+}
+
+/// Of the buttons that remove, the one that the next press of the space bar is meant for: of the following
+/// application, else of the one before; without any the button that adds.
+std::string neighbourOf(const std::string& bundleID, const std::vector<ExcludedApp>& apps) {
+  const auto found = std::ranges::find(apps, bundleID, &ExcludedApp::bundleID);
+  if (found == apps.end()) return addIdentifier;
+  if (found + 1 != apps.end()) return (found + 1)->bundleID;
+  return found != apps.begin() ? (found - 1)->bundleID : addIdentifier;
 }
 
 void showUnreadableAppAlert() {
@@ -42,6 +64,7 @@ std::shared_ptr<ns::View> SettingsWindowController::makeExcludeTab() {
   });
   const auto addition = makeSectionContainer("Add an app", [this](Rows& rows) {
     const auto add = std::make_shared<ns::Button>("Add app…");
+    add->setIdentifier(addIdentifier);
     add->setTarget(weak_from_this(), &SettingsWindowController::addExcludedApp);
     const auto row = std::make_shared<ns::View>();
     row->addSubview(add);
@@ -100,7 +123,15 @@ std::shared_ptr<ns::View> SettingsWindowController::makeMutedRow(const std::stri
   return makeWrappingLabel(text, ns::Font::systemFontOfSize(12), ns::Color::secondaryLabelColor());
 }
 
-void SettingsWindowController::addExcludedApp(ns::Button&) {
+void SettingsWindowController::rebuildExcludeTabAround(const ns::Button& sender, const std::string& successor) {
+  // By mouse nobody has the keyboard, and nothing is to light up.
+  const bool hasKeyboard = window_ && window_->isFirstResponder(sender);
+  rebuildExcludeTab();
+  if (!hasKeyboard) return;
+  if (const auto view = viewIdentified(*tabViews_[Tab::Exclude], successor)) window_->makeFirstResponder(*view);
+}
+
+void SettingsWindowController::addExcludedApp(ns::Button& sender) {
   ns::OpenPanel panel;
   panel.setDirectory("/Applications");
   panel.setPrompt("Exclude");
@@ -115,14 +146,18 @@ void SettingsWindowController::addExcludedApp(ns::Button&) {
   }
   const std::string name = withoutAppSuffixes(ns::displayNameAtPath(bundle->bundlePath()));
   if (const auto controller = controller_.lock()) controller->addExcludedApp({*bundleID, name});
-  rebuildExcludeTab();
+  rebuildExcludeTabAround(sender, addIdentifier);
   onChange_();
 }
 
 void SettingsWindowController::removeExcludedApp(ns::Button& sender) {
   if (sender.identifier().empty()) return;
-  if (const auto controller = controller_.lock()) controller->removeExcludedApp(sender.identifier());
-  rebuildExcludeTab();
+  std::string successor = addIdentifier;
+  if (const auto controller = controller_.lock()) {
+    successor = neighbourOf(sender.identifier(), controller->excludedApps());
+    controller->removeExcludedApp(sender.identifier());
+  }
+  rebuildExcludeTabAround(sender, successor);
   onChange_();
 }
 

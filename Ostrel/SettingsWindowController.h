@@ -121,6 +121,9 @@ class SettingsWindowController : public std::enable_shared_from_this<SettingsWin
   std::shared_ptr<ns::View> makeMarginRow(MarginKey key);
 
   std::shared_ptr<ns::View> makeExcludeTab();
+  /// rebuildExcludeTab() after the use of one of its buttons: if that had the keyboard, the button with the identifier
+  /// `successor` has it afterwards.
+  void rebuildExcludeTabAround(const ns::Button& sender, const std::string& successor);
   std::shared_ptr<ns::View> makeExcludedAppRow(const ExcludedApp& app);
   /// Null when the system has nothing to show for the application.
   static std::shared_ptr<ns::Image> excludedAppIcon(const ExcludedApp& app);

@@ -46,6 +46,10 @@ class Window {
   /// As the person's click on its close button.
   void close();
   bool isVisible() const;
+  /// Whether the view has the keyboard.
+  bool isFirstResponder(const View& view) const;
+  /// Gives the keyboard to a view of this window.
+  void makeFirstResponder(View& view);
 
   Native& native() const { return *native_; }
 

@@ -92,5 +92,7 @@ void Window::center() { [native_->window center]; }
 void Window::makeKeyAndOrderFront() { [native_->window makeKeyAndOrderFront:nil]; }
 void Window::close() { [native_->window performClose:nil]; }
 bool Window::isVisible() const { return native_->window.visible; }
+bool Window::isFirstResponder(const View& view) const { return native_->window.firstResponder == view.native().view; }
+void Window::makeFirstResponder(View& view) { [native_->window makeFirstResponder:view.native().view]; }
 
 }  // namespace ns

@@ -83,6 +83,29 @@ TEST_F(ExcludeTabTest, RemovesByIdentifierAndEndsWithTheMutedText) {
   EXPECT_EQ(changes, 3);
 }
 
+TEST_F(ExcludeTabTest, KeyboardStaysInTheRebuiltList) {
+  controller->setExcludedApps({{"a", "Atlas"}, {"b", "Books"}, {"c", "Chess"}});
+  presentExclude();
+  ns::Window& window = *settings->window();
+  const auto removeByKeyboard = [&](const std::string& name) {
+    window.makeFirstResponder(removeButton(name));
+    removeButton(name).performClick();
+  };
+  removeByKeyboard("Books");
+  EXPECT_TRUE(window.isFirstResponder(removeButton("Chess"))) << "the following row";
+  removeByKeyboard("Chess");
+  EXPECT_TRUE(window.isFirstResponder(removeButton("Atlas"))) << "the row before, when there is none after";
+  removeByKeyboard("Atlas");
+  EXPECT_TRUE(window.isFirstResponder(*buttonSaying(document(), "Add app…")));
+  add("/apps/Maps.app");
+  EXPECT_TRUE(window.isFirstResponder(*buttonSaying(document(), "Add app…")));
+
+  controller->setExcludedApps({{"a", "Atlas"}, {"b", "Books"}});
+  settings->rebuildExcludeTab();
+  removeButton("Atlas").performClick();
+  EXPECT_FALSE(window.isFirstResponder(removeButton("Books"))) << "by mouse nothing lights up";
+}
+
 TEST_F(ExcludeTabTest, ListIsRebuiltWhileAnotherTabShows) {
   presentExclude();
   settings->showTab(Tab::About);

@@ -7,6 +7,7 @@
 #include <QTest>
 #include <QWidget>
 
+#include "platform/Containers.h"
 #include "platform/Controls.h"
 #include "platform/Window.h"
 #include "platform/linux/qt/ViewWidget.h"
@@ -38,6 +39,12 @@ class Tile : public ns::View {
  public:
   void mouseDown(const ns::MouseEvent&) override { ++presses; }
   int presses = 0;
+};
+
+/// A page that is longer than the window.
+class Tall : public ns::View {
+ public:
+  bool isFlipped() const override { return true; }
 };
 
 class KeyboardTest : public testing::Test {
@@ -158,6 +165,44 @@ TEST_F(KeyboardTest, ReturnSendsAndEndsWhileEscapePutsBackAndThenCloses) {
 TEST_F(KeyboardTest, CommandWCloses) {
   key(Qt::Key_W, Qt::ControlModifier);
   EXPECT_EQ(listener->closings, 1);
+}
+
+TEST_F(KeyboardTest, ArrowsChooseTheNextTab) {
+  const auto other = std::make_shared<Tile>();
+  other->setAccessibilityButton(false);
+  root->addSubview(other);
+  key(Qt::Key_Tab);
+  key(Qt::Key_Up);
+  EXPECT_TRUE(hasFocus(*tile)) << "there is none above";
+  key(Qt::Key_Down);
+  EXPECT_TRUE(hasFocus(*other));
+  EXPECT_EQ(other->presses, 1);
+  key(Qt::Key_Up);
+  EXPECT_TRUE(hasFocus(*tile));
+  EXPECT_EQ(tile->presses, 1);
+}
+
+TEST_F(KeyboardTest, KeysThatNoControlTakesScroll) {
+  const auto scroll = std::make_shared<ns::ScrollView>();
+  const auto tall = std::make_shared<Tall>();
+  scroll->setDocumentView(tall);
+  root->addSubview(scroll);
+  ns::activate({scroll->leading() == root->leading(), scroll->trailing() == root->trailing(),
+                scroll->top() == root->top(), scroll->bottom() == root->bottom(), tall->top() == scroll->top(),
+                tall->width() == 100, tall->height() == 1000});
+  root->layoutSubtreeIfNeeded();
+  const auto top = [&] { return tall->native().widget->y(); };
+  key(Qt::Key_PageDown);
+  EXPECT_LT(top(), -200);
+  EXPECT_GT(top(), -300) << "something of the last page stays";
+  key(Qt::Key_Down);
+  const int lower = top();
+  key(Qt::Key_Up);
+  EXPECT_GT(top(), lower);
+  key(Qt::Key_End);
+  EXPECT_EQ(top(), -700);
+  key(Qt::Key_Home);
+  EXPECT_EQ(top(), 0);
 }
 
 TEST_F(KeyboardTest, AssistiveTechnologyReadsAndUsesEveryControl) {

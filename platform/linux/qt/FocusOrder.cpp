@@ -27,7 +27,22 @@ void reveal(const Native& native) {
   }
 }
 
+Native* firstScrolling(const Native& native) {
+  for (const auto& subview : native.subviews) {
+    Native& below = subview->native();
+    if (!below.widget->isVisible()) continue;
+    if (dynamic_cast<Scrolling*>(&below)) return &below;
+    if (Native* const found = firstScrolling(below)) return found;
+  }
+  return nullptr;
+}
+
 }  // namespace
+
+void focus(Native& native, Qt::FocusReason reason) {
+  native.takeFocus(reason);
+  reveal(native);
+}
 
 bool moveFocus(Native& root, bool forward) {
   std::vector<Native*> stops;
@@ -41,9 +56,49 @@ bool moveFocus(Native& root, bool forward) {
   std::ptrdiff_t next = forward ? 0 : count - 1;
   if (current != stops.end()) next = (current - stops.begin() + (forward ? 1 : count - 1)) % count;
   Native& chosen = *stops[static_cast<std::size_t>(next)];
-  chosen.takeFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-  reveal(chosen);
+  focus(chosen, forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
   return true;
+}
+
+bool chooseTabByKey(Native& tab, int key) {
+  if (key != Qt::Key_Up && key != Qt::Key_Down) return false;
+  // All of the window: the last one may stand apart from the others.
+  std::vector<Native*> tabs;
+  collect(tab.root(), tabs);
+  std::erase_if(tabs, [](const Native* one) { return !one->isAccessibilityButton; });
+  const auto current = std::ranges::find(tabs, &tab);
+  if (current == tabs.end()) return false;
+  const bool isEnd = key == Qt::Key_Up ? current == tabs.begin() : current + 1 == tabs.end();
+  if (isEnd) return true;
+  Native& chosen = **(key == Qt::Key_Up ? current - 1 : current + 1);
+  focus(chosen, Qt::OtherFocusReason);
+  chosen.press();
+  return true;
+}
+
+bool scrollByKey(const Native& root, int key) {
+  constexpr double line = 48;
+  constexpr double all = 1e6;
+  Native* const scrolling = firstScrolling(root);
+  if (!scrolling) return false;
+  // What was at the edge stays in sight.
+  const double page = std::max(line, scrolling->frame.height() - line);
+  switch (key) {
+    case Qt::Key_Up:
+      return scrolling->scrolled(line);
+    case Qt::Key_Down:
+      return scrolling->scrolled(-line);
+    case Qt::Key_PageUp:
+      return scrolling->scrolled(page);
+    case Qt::Key_PageDown:
+      return scrolling->scrolled(-page);
+    case Qt::Key_Home:
+      return scrolling->scrolled(all);
+    case Qt::Key_End:
+      return scrolling->scrolled(-all);
+    default:
+      return false;
+  }
 }
 
 }  // namespace qt

@@ -1,4 +1,4 @@
-// The order in which the Tab key visits the views of a window.
+// Where the keyboard goes in a window: from view to view, and through what scrolls.
 #pragma once
 
 #include "platform/linux/qt/ViewNative.h"
@@ -8,5 +8,14 @@ namespace qt {
 /// Gives the keyboard to the view after, or before, the one that has it, in the order of the tree, which is the order
 /// of reading; scrolls it into sight. False when there is none.
 bool moveFocus(ns::View::Native& root, bool forward);
+
+/// Gives the keyboard to the view and scrolls it into sight.
+void focus(ns::View::Native& native, Qt::FocusReason reason);
+
+/// In a list of tabs the arrow keys choose the one above or below. True when `tab` is in one and the key is an arrow.
+bool chooseTabByKey(ns::View::Native& tab, int key);
+
+/// Arrows, Page Up and Down, Home and End move what scrolls in the tree. True when there is anything to scroll.
+bool scrollByKey(const ns::View::Native& root, int key);
 
 }  // namespace qt

@@ -5,6 +5,7 @@
 #include <QRegion>
 #include <algorithm>
 
+#include "platform/linux/qt/FocusOrder.h"
 #include "platform/linux/qt/FocusRing.h"
 #include "platform/linux/qt/LayerPainter.h"
 #include "platform/linux/qt/ViewNative.h"
@@ -52,8 +53,9 @@ bool View::Native::mousePressed(QPointF point) {
 }
 
 bool View::Native::keyPressed(QKeyEvent& event) {
-  const bool isPress = event.key() == Qt::Key_Space || event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-  if (!isAccessibilityButton || !isPress) return false;
+  if (!isAccessibilityButton) return false;
+  if (qt::chooseTabByKey(*this, event.key())) return true;
+  if (event.key() != Qt::Key_Space && event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) return false;
   press();
   return true;
 }

@@ -16,6 +16,8 @@
 namespace qt {
 namespace {
 
+/// What the window manager is asked for. openbox draws a minimise and a zoom button all the same: it lets no hint take
+/// buttons away, and the one window type without them is that of a torn-off menu.
 Qt::WindowFlags flagsOf(ns::WindowStyleMask mask) {
   Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint;
   if (mask & ns::WindowStyleMaskTitled) flags |= Qt::WindowTitleHint | Qt::WindowSystemMenuHint;
@@ -91,7 +93,7 @@ class WindowWidget final : public QWidget {
     const bool isCommandW = event->key() == Qt::Key_W && event->modifiers() == Qt::ControlModifier;
     if (event->key() == Qt::Key_Escape || isCommandW) {
       close();
-    } else {
+    } else if (!content || !scrollByKey(content->native(), event->key())) {
       QWidget::keyPressEvent(event);
     }
   }
@@ -156,6 +158,17 @@ void Window::makeKeyAndOrderFront() {
 }
 
 void Window::close() { native_->widget.close(); }
+
+bool Window::isFirstResponder(const View& view) const {
+  const QWidget* const owner = native_->widget.focusWidget();
+  const QWidget* const own = view.native().widget;
+  return owner && (owner == own || own->isAncestorOf(owner));
+}
+
+void Window::makeFirstResponder(View& view) {
+  view.layoutSubtreeIfNeeded();
+  qt::focus(view.native(), Qt::OtherFocusReason);
+}
 
 bool Window::isVisible() const { return native_->widget.isVisible(); }
 
