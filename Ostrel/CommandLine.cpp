@@ -41,8 +41,10 @@ int fail(const std::string& message) {
 }
 
 int changeConsent(bool granted) {
-  const auto problem = ns::setAccessibilityGranted(granted);
-  return problem ? fail(*problem) : 0;
+  if (const auto problem = ns::setAccessibilityGranted(granted)) return fail(*problem);
+  std::cout << (granted ? "Granted: Ostrel handles clicks on title-bar buttons.\n"
+                        : "Revoked: Ostrel leaves every click alone.\n");
+  return 0;
 }
 
 int showConsent() {
