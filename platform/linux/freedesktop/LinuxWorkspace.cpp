@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QUrl>
+#include <utility>
 
 #include "platform/linux/freedesktop/Consent.h"
 #include "platform/linux/freedesktop/DesktopEntries.h"
@@ -13,7 +14,14 @@ namespace {
 constexpr std::string_view privacyLink =
     "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 
+OpeningFailure& openingFailure() {
+  static OpeningFailure failure;
+  return failure;
+}
+
 }  // namespace
+
+void setOpeningFailure(OpeningFailure failure) { openingFailure() = std::move(failure); }
 
 bool LinuxWorkspace::openURL(const std::string& url) {
   if (url == privacyLink) {
@@ -22,7 +30,10 @@ bool LinuxWorkspace::openURL(const std::string& url) {
   }
   const QUrl parsed(QString::fromStdString(url), QUrl::StrictMode);
   if (!parsed.isValid() || parsed.scheme().isEmpty()) return false;
-  return QProcess::startDetached("xdg-open", {parsed.toString(QUrl::FullyEncoded)});
+  if (QProcess::startDetached("xdg-open", {parsed.toString(QUrl::FullyEncoded)})) return true;
+  const std::string reason = "The program xdg-open, which opens addresses, can't be started. Is xdg-utils installed?";
+  if (openingFailure()) openingFailure()(url, reason);
+  return false;
 }
 
 std::optional<std::string> LinuxWorkspace::URLForApplicationWithBundleIdentifier(const std::string& bundleIdentifier) {

@@ -1,6 +1,7 @@
 // The workspace of a freedesktop session.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,6 +9,11 @@
 #include "platform/portable/DesktopWorkspace.h"
 
 namespace freedesktop {
+
+/// Tells the person that nothing opens an address, and why. Set by the user interface; without one nobody is told. Main
+/// thread only.
+using OpeningFailure = std::function<void(const std::string& url, const std::string& reason)>;
+void setOpeningFailure(OpeningFailure failure);
 
 /// Applications are desktop entries: their identifier is the entry's id, their path the entry's. Main thread only.
 class LinuxWorkspace final : public desktop::DesktopWorkspace {

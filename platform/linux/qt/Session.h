@@ -3,8 +3,8 @@
 
 namespace qt {
 
-/// From now on files have icons and consent is asked for in a dialog. Called when the application takes its place in
-/// the session; a program that never does is linked without all this. Main thread only.
+/// From now on files have icons, and dialogs ask for consent and tell when nothing opens an address. Called when the
+/// application takes its place in the session; a program that never does is linked without all this. Main thread only.
 void joinSession();
 
 }  // namespace qt
