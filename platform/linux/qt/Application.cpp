@@ -40,15 +40,12 @@ class QtApplication final : public Application {
 
   void setActivationPolicy(ActivationPolicy policy) override {
     if (std::exchange(policy_, policy) == policy) return;
-    for (auto* window : QApplication::topLevelWidgets()) {
-      if (window->isVisible() && window->windowType() == Qt::Window) qt::applyTaskBarPolicy(*window);
-    }
+    for (auto* const window : qt::shownWindows()) qt::applyTaskBarPolicy(*window);
   }
   ActivationPolicy activationPolicy() const override { return policy_; }
 
   void activateIgnoringOtherApps() override {
-    for (auto* window : QApplication::topLevelWidgets()) {
-      if (!window->isVisible() || window->windowType() != Qt::Window) continue;
+    for (auto* const window : qt::shownWindows()) {
       window->raise();
       window->activateWindow();
     }

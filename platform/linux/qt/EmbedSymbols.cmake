@@ -1,4 +1,5 @@
-# Writes OUTPUT, the table of all drawings in FOLDER: cmake -D FOLDER=… -D OUTPUT=… -P EmbedSymbols.cmake
+# Writes OUTPUT, the table of all drawings in FOLDER, and the application's own drawing:
+# cmake -D FOLDER=… -D ICON=… -D OUTPUT=… -P EmbedSymbols.cmake
 file(GLOB drawings "${FOLDER}/*.svg")
 list(SORT drawings)
 set(rows "")
@@ -9,6 +10,7 @@ foreach(drawing IN LISTS drawings)
   file(READ "${drawing}" svg)
   string(APPEND rows "    {\"${name}\", R\"svg(${svg})svg\"},\n")
 endforeach()
+file(READ "${ICON}" icon)
 file(WRITE "${OUTPUT}" "#include \"platform/linux/qt/SymbolTable.h\"
 
 namespace qt {
@@ -20,6 +22,8 @@ ${rows}};
 }  // namespace
 
 std::span<const Symbol> symbolTable() { return symbols; }
+
+std::string_view applicationDrawing() { return R\"svg(${icon})svg\"; }
 
 }  // namespace qt
 ")

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string_view>
 
 #include "platform/linux/qt/Symbols.h"
 
@@ -9,5 +10,8 @@ namespace qt {
 
 /// Any thread.
 std::span<const Symbol> symbolTable();
+
+/// The application's icon, as SVG. Any thread.
+std::string_view applicationDrawing();
 
 }  // namespace qt

@@ -37,4 +37,19 @@ QPixmap drawSymbol(const Symbol& symbol, QSizeF size, ns::FontWeight weight, dou
   return pixmap;
 }
 
+QIcon drawApplicationIcon() {
+  const std::string_view svg = applicationDrawing();
+  QSvgRenderer renderer(QByteArray(svg.data(), static_cast<qsizetype>(svg.size())));
+  QIcon icon;
+  for (const int side : {16, 24, 32, 48, 64}) {
+    QPixmap pixmap(side, side);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    renderer.render(&painter);
+    painter.end();
+    icon.addPixmap(pixmap);
+  }
+  return icon;
+}
+
 }  // namespace qt

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QIcon>
 #include <QPixmap>
 #include <QSizeF>
 #include <string_view>
@@ -26,5 +27,8 @@ double symbolSide(double pointSize);
 /// The drawing in black on nothing, `size` points large (the shorter side decides, the drawing is centred), with lines
 /// of this weight.
 QPixmap drawSymbol(const Symbol& symbol, QSizeF size, ns::FontWeight weight, double devicePixelRatio);
+
+/// The application's icon, for the title bars of its windows and for whatever lists windows.
+QIcon drawApplicationIcon();
 
 }  // namespace qt

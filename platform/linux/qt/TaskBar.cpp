@@ -2,7 +2,7 @@
 
 #include <xcb/xcb.h>
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QWidget>
 #include <array>
 #include <cstdint>
@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "platform/Application.h"
+#include "platform/linux/qt/Symbols.h"
 
 namespace qt {
 namespace {
@@ -29,6 +30,8 @@ void applyTaskBarPolicy(QWidget& window) {
   // Off screen the toolkit answers with an application without a connection.
   xcb_connection_t* const connection = x11 ? x11->connection() : nullptr;
   if (!connection) return;
+  // Not before there is a window: most of the time there is none.
+  if (QApplication::windowIcon().isNull()) QApplication::setWindowIcon(drawApplicationIcon());
   const bool isAccessory = ns::Application::sharedApplication()->activationPolicy() == ns::ActivationPolicy::Accessory;
   const auto id = static_cast<xcb_window_t>(window.winId());
   const xcb_atom_t state = atom(connection, "_NET_WM_STATE");
@@ -52,6 +55,16 @@ void applyTaskBarPolicy(QWidget& window) {
                         isAccessory ? static_cast<std::uint32_t>(hints.size()) : 0, hints.data());
   }
   xcb_flush(connection);
+}
+
+std::vector<QWidget*> shownWindows() {
+  std::vector<QWidget*> result;
+  for (auto* const window : QApplication::topLevelWidgets()) {
+    // The toolkit's icon in the panel is a window, too.
+    const bool hasFrame = !(window->windowFlags() & Qt::FramelessWindowHint);
+    if (window->isVisible() && window->windowType() == Qt::Window && hasFrame) result.push_back(window);
+  }
+  return result;
 }
 
 }  // namespace qt
