@@ -92,7 +92,8 @@ TEST(Alert, AnswersWithTheChosenButton) {
   alert.addButtonWithTitle("Try Again");
   alert.addButtonWithTitle("Cancel");
   const std::pair<std::function<void(qt::MessageDialog&)>, std::size_t> cases[] = {
-      {[](auto& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }, 0},
+      {[](auto& dialog) { QTest::keyClick(dialog.focusWidget(), Qt::Key_Return); }, 0},
+      {[](auto& dialog) { QTest::keyClick(buttonTitled(dialog, "Cancel"), Qt::Key_Return); }, 1},
       {[](auto& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }, 1},
       {[](auto& dialog) { dialog.close(); }, 1},
       {[](auto& dialog) { buttonTitled(dialog, "Cancel")->click(); }, 1},

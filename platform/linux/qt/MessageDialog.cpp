@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QVBoxLayout>
@@ -60,6 +61,15 @@ DialogButton::DialogButton(const QString& title, QWidget* parent) : QPushButton(
 
 QSize DialogButton::sizeHint() const { return {std::max(fontMetrics().horizontalAdvance(text()) + 28, 76), 28}; }
 
+void DialogButton::keyPressEvent(QKeyEvent* event) {
+  // Return is for the button that has the keyboard; only without one is it for the default button.
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    click();
+  } else {
+    QPushButton::keyPressEvent(event);
+  }
+}
+
 void DialogButton::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -88,12 +98,19 @@ void prepareDialog(QDialog& dialog) {
   dialog.setWindowTitle(QStringLiteral("Ostrel"));
   dialog.setFont(qt::font(ns::Font::systemFontOfSize(13)));
   applyTaskBarPolicy(dialog);
+  // Window managers pass over windows outside the task bar when they look for the next one to have the keyboard.
+  QObject::connect(&dialog, &QDialog::finished, &dialog, [&dialog] {
+    if (QWidget* const before = dialog.parentWidget(); before && before->isVisible()) before->activateWindow();
+  });
 }
 
 QWidget* dialogParent() {
   if (auto* const modal = QApplication::activeModalWidget()) return modal;
   auto* const active = QApplication::activeWindow();
-  return active && active->windowType() != Qt::Popup ? active : nullptr;
+  if (active && active->windowType() != Qt::Popup) return active;
+  // Between two dialogs no window has the keyboard for a moment.
+  const auto windows = shownWindows();
+  return windows.empty() ? nullptr : windows.front();
 }
 
 MessageDialog::MessageDialog(const MessageContent& content, QWidget* parent)
@@ -115,11 +132,12 @@ MessageDialog::MessageDialog(const MessageContent& content, QWidget* parent)
   auto* const row = new QHBoxLayout;
   row->setSpacing(8);
   row->addStretch();
+  DialogButton* first = nullptr;
   for (int index = lastButton_; index >= 0; --index) {
     auto* const button = new DialogButton(content.buttons[index]);
-    if (index == 0 && content.hasDefaultButton) button->setDefault(true);
     connect(button, &QPushButton::clicked, this, [this, index] { done(index + 1); });
     row->addWidget(button);
+    if (index == 0) first = button;
   }
   auto* const whole = new QVBoxLayout(this);
   whole->setContentsMargins(20, 20, 18, 16);
@@ -129,9 +147,14 @@ MessageDialog::MessageDialog(const MessageContent& content, QWidget* parent)
   whole->setSizeConstraint(QLayout::SetFixedSize);
   setAccessibleName(content.message);
   setAccessibleDescription(content.informative);
-  // Without a default button no key is to choose by accident.
   setFocusPolicy(Qt::StrongFocus);
-  if (!content.hasDefaultButton) setFocus();
+  if (content.hasDefaultButton && first) {
+    first->setDefault(true);
+    first->setFocus();
+  } else {
+    // No key is to choose by accident.
+    setFocus();
+  }
   prepareDialog(*this);
 }
 

@@ -20,6 +20,7 @@ class DialogButton final : public QPushButton {
   QSize sizeHint() const override;
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 };
 
@@ -54,7 +55,7 @@ class MessageDialog final : public QDialog {
 /// Applies the look of our dialogs to one with content of its own, and keeps it in front of the window that it belongs
 /// to.
 void prepareDialog(QDialog& dialog);
-/// The window that a dialog belongs to; null when none of ours is in use.
+/// The window that a dialog belongs to; null when none of ours is open.
 QWidget* dialogParent();
 
 }  // namespace qt

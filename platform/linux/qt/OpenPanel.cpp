@@ -1,6 +1,7 @@
 #include "platform/linux/qt/OpenPanel.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -19,6 +20,7 @@
 #include "platform/linux/freedesktop/DesktopEntries.h"
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/Icons.h"
+#include "platform/linux/qt/ImageNative.h"
 #include "platform/linux/qt/MessageDialog.h"
 
 namespace qt {
@@ -37,9 +39,11 @@ class ApplicationModel final : public QStandardItemModel {
     if (role != Qt::DecorationRole) return QStandardItemModel::data(index, role);
     QIcon& icon = icons_[index.row()];
     if (icon.isNull()) {
-      const QIcon whole = applicationIcon(QStandardItemModel::data(index, iconRole).toString().toStdString());
-      for (const double scale : {1.0, 2.0}) {
-        const QPixmap picture = whole.pixmap(QSize(iconSide, iconSide), scale);
+      // One size for all, so that the names stand in line.
+      const auto image =
+          imageWithIcon(applicationIcon(QStandardItemModel::data(index, iconRole).toString().toStdString()));
+      for (const double scale : {1.0, 1.5, 2.0}) {
+        const QPixmap picture = image->native().pixmap({iconSide, iconSide}, scale, {});
         // As it is on the chosen row too; the style would dye it.
         for (const auto mode : {QIcon::Normal, QIcon::Selected}) icon.addPixmap(picture, mode);
       }
@@ -56,16 +60,19 @@ QString chooserStyle() {
   const auto name = [](const QColor& color) { return color.name(QColor::HexArgb); };
   return QStringLiteral(
              "QLineEdit { background: %1; border: 1px solid %2; border-radius: 6px; padding: 5px 6px; }"
-             "QLineEdit:focus { border-color: %3; }"
+             "QLineEdit:focus { border: 2px solid %3; padding: 4px 5px; }"
              "QListView { background: %4; border: 1px solid %2; border-radius: 8px; padding: 4px; outline: none; }"
+             "QListView:focus { border: 2px solid %3; padding: 3px; }"
              "QListView::item { border-radius: 5px; padding-left: 6px; color: %5; }"
-             "QListView::item:selected { background: %3; color: white; }"
+             "QListView::item:selected { background: %7; color: %5; }"
              "QScrollBar:vertical { background: transparent; width: 10px; margin: 2px; }"
              "QScrollBar::handle:vertical { background: %6; border-radius: 3px; min-height: 24px; }"
              "QScrollBar::add-line, QScrollBar::sub-line { height: 0; }")
       .arg(name(color(ControlColor::Field)), name(color(ControlColor::Edge)),
            name(color(ns::Color::controlAccentColor())), name(color(ns::Color::controlBackgroundColor())),
-           name(color(ns::Color::labelColor())), name(color(ControlColor::Scroller)));
+           name(color(ns::Color::labelColor())), name(color(ControlColor::Scroller)),
+           // Faint: on the full accent the icons of half the applications would drown.
+           name(color(ns::Color::controlAccentColor().colorWithAlphaComponent(0.28))));
 }
 
 ApplicationModel* installedApplications(QObject* parent) {
@@ -141,6 +148,13 @@ ApplicationChooser::ApplicationChooser(const std::string& message, const std::st
   search_->setFocus();
 }
 
+void ApplicationChooser::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  // The desktop went from light to dark or back. A new style sheet brings this event, too.
+  if (event->type() != QEvent::PaletteChange) return;
+  if (const QString now = chooserStyle(); now != styleSheet()) setStyleSheet(now);
+}
+
 void ApplicationChooser::filter(const QString& text) {
   shown_->setFilterFixedString(text);
   // The first match is at hand for Return.
@@ -173,11 +187,13 @@ void ApplicationChooser::chooseCurrent() {
 }
 
 void ApplicationChooser::browse() {
-  const QString file =
-      QFileDialog::getOpenFileName(this, windowTitle(), {}, QStringLiteral("Applications (*.desktop);;All files (*)"),
-                                   nullptr, QFileDialog::DontResolveSymlinks);
-  if (file.isEmpty()) return;
-  chosen_ = file.toStdString();
+  QFileDialog files(this, {}, QDir::homePath(), QStringLiteral("Applications (*.desktop);;All files (*)"));
+  prepareDialog(files);
+  files.setFileMode(QFileDialog::ExistingFile);
+  files.setOption(QFileDialog::DontResolveSymlinks);
+  files.resize(720, 460);
+  if (files.exec() != Accepted || files.selectedFiles().isEmpty()) return;
+  chosen_ = files.selectedFiles().front().toStdString();
   accept();
 }
 

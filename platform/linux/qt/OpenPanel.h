@@ -22,6 +22,7 @@ class ApplicationChooser final : public QDialog {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   void filter(const QString& text);

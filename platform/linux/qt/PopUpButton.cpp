@@ -113,6 +113,8 @@ struct PopUpNative final : qt::ControlNative {
     // Its check marks come to lie before the button, its edge above, so that the title is over the title.
     const QPoint corner = widget->mapToGlobal(widget->contentBounds().topLeft().toPoint());
     popUp->popup(corner - QPoint(menuLead, menuRise), current);
+    // The arrow keys go on from here.
+    popUp->setActiveAction(current);
   }
 
   qt::AccessibleFacts accessibleFacts() const override {

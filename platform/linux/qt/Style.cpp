@@ -100,10 +100,9 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
   switch (element) {
     case PE_PanelMenu:
     case PE_FrameMenu:
-      painter->fillRect(option->rect, color(ControlColor::Menu));
-      painter->setPen(color(ControlColor::MenuEdge));
-      painter->setBrush(Qt::NoBrush);
-      painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+      // The edge as what is left around the face: a line would lie beside the pixels at some scales.
+      painter->fillRect(option->rect, color(ControlColor::MenuEdge));
+      painter->fillRect(option->rect.adjusted(1, 1, -1, -1), color(ControlColor::Menu));
       return;
     case PE_FrameFocusRect:
       painter->save();
