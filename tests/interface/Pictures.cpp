@@ -95,6 +95,7 @@ int main(int argc, char** argv) {
   auto& settings = delegate->settingsWindow();
   for (const auto tab : ostrel::allTabs) {
     settings.present(tab);
+    settings.window()->setContentSize({700, 750});  // which fits the screens of most people, not the one here
     save(*settings.window(), folder + "/settings-" + std::string(rawValue(tab)) + suffix + ".png");
   }
   saveMenu(*services.statusItem->menu, folder + "/menu" + suffix + ".png");

@@ -144,6 +144,10 @@ QColor color(ns::Color color) {
 
 QColor color(ControlColor part) { return resolve(shadeOf(part)); }
 
+int textDirection(const QString& text) {
+  return text.isRightToLeft() ? int{Qt::TextForceRightToLeft} : int{Qt::TextForceLeftToRight};
+}
+
 QFont font(const ns::Font& font) {
   QFont result(family());
   result.setPixelSize(static_cast<int>(font.pointSize + 0.5));

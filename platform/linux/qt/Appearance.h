@@ -35,4 +35,7 @@ QColor color(ControlColor part);
 /// A size of one point is one pixel at 1x.
 QFont font(const ns::Font& font);
 
+/// The painter's flag by which `text` runs as its own script does, whichever way the interface is written.
+int textDirection(const QString& text);
+
 }  // namespace qt

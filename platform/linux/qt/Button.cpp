@@ -27,7 +27,7 @@ struct ButtonNative : qt::PressableNative {
     qt::paintBezel(painter, bounds, focusRadius(), isPressed);
     painter.setFont(font());
     painter.setPen(qt::color(Color::labelColor()));
-    painter.drawText(bounds, Qt::AlignCenter | Qt::TextSingleLine, title);
+    painter.drawText(bounds, Qt::AlignCenter | Qt::TextSingleLine | qt::textDirection(title), title);
   }
 
   bool keyPressed(QKeyEvent& event) override {

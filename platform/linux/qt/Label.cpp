@@ -46,7 +46,7 @@ struct LabelNative final : TextNative {
     int flags = int{Qt::AlignAbsolute} | int{Qt::AlignTop};
     flags |= isRight ? int{Qt::AlignRight} : int{Qt::AlignLeft};
     flags |= wraps ? int{Qt::TextWordWrap} : int{Qt::TextSingleLine};
-    return flags | (content.isRightToLeft() ? int{Qt::TextForceRightToLeft} : int{Qt::TextForceLeftToRight});
+    return flags | qt::textDirection(content);
   }
 
   void paint(QPainter& painter, const QRectF& bounds) override {

@@ -49,6 +49,8 @@ QLabel* makeText(const QString& text, const ns::Font& style) {
   label->setWordWrap(true);
   label->setFont(font(style));
   label->setFixedWidth(textWidth);
+  const bool isMirrored = QApplication::layoutDirection() == Qt::RightToLeft;
+  label->setAlignment(Qt::AlignAbsolute | Qt::AlignVCenter | (isMirrored ? Qt::AlignRight : Qt::AlignLeft));
   return label;
 }
 
@@ -87,7 +89,7 @@ void DialogButton::paintEvent(QPaintEvent*) {
   const bool isFilled = isDefault() && isEnabled();
   painter.setPen(isFilled ? QColor(Qt::white)
                           : color(ns::Color::labelColor().colorWithAlphaComponent(isEnabled() ? 1 : 0.4)));
-  painter.drawText(face, Qt::AlignCenter | Qt::TextShowMnemonic, text());
+  painter.drawText(face, Qt::AlignCenter | Qt::TextShowMnemonic | textDirection(text()), text());
   if (!hasFocus()) return;
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(color(ControlColor::FocusRing), 2));

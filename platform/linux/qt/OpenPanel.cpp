@@ -153,6 +153,9 @@ void ApplicationChooser::changeEvent(QEvent* event) {
   // The desktop went from light to dark or back. A new style sheet brings this event, too.
   if (event->type() != QEvent::PaletteChange) return;
   if (const QString now = chooserStyle(); now != styleSheet()) setStyleSheet(now);
+  // It has made these two forget theirs.
+  search_->setFont(font());
+  list_->setFont(font());
 }
 
 void ApplicationChooser::filter(const QString& text) {

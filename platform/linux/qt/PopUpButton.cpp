@@ -54,8 +54,9 @@ struct PopUpNative final : qt::ControlNative {
                       bounds.height());
     painter.setFont(font());
     painter.setPen(qt::color(Color::labelColor()));
-    painter.drawText(text, Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine,
-                     QFontMetricsF(font()).elidedText(selectedTitle(), Qt::ElideRight, room));
+    const QString title = QFontMetricsF(font()).elidedText(selectedTitle(), Qt::ElideRight, room);
+    const int side = int{Qt::AlignAbsolute} | (isMirrored ? int{Qt::AlignRight} : int{Qt::AlignLeft});
+    painter.drawText(text, side | Qt::AlignVCenter | Qt::TextSingleLine | qt::textDirection(title), title);
   }
 
   QString selectedTitle() const {

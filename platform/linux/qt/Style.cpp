@@ -70,10 +70,12 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
   const int start = titleStart(item);
   const int flags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic | Qt::AlignAbsolute;
   const QRect room = placed(start, item.rect.width() - start - itemInset - textInset);
-  painter.drawText(room, flags | (isMirrored ? Qt::AlignRight : Qt::AlignLeft), parts.front());
+  painter.drawText(room, flags | (isMirrored ? Qt::AlignRight : Qt::AlignLeft) | textDirection(parts.front()),
+                   parts.front());
   if (parts.size() < 2) return;
   if (!isChosen) painter.setPen(color(ns::Color::secondaryLabelColor()));
-  painter.drawText(room, flags | (isMirrored ? Qt::AlignLeft : Qt::AlignRight), parts.back());
+  painter.drawText(room, flags | (isMirrored ? Qt::AlignLeft : Qt::AlignRight) | textDirection(parts.back()),
+                   parts.back());
 }
 
 void paintButton(QPainter& painter, const QStyleOptionButton& button) {

@@ -60,9 +60,14 @@ class WindowWidget final : public QWidget {
 
   void center() {
     centredWith = frameMargins();
-    const QRect screenArea = screen()->availableGeometry();
-    const QSize whole = QRect(QPoint(), size()).marginsAdded(*centredWith).size();
-    move(screenArea.center() - QPoint(whole.width() / 2, whole.height() / 2));
+    const QRect area = screen()->availableGeometry();
+    // On a small screen no larger than the screen, as far as the minimum allows; then at least with its title bar.
+    const QMargins& frame = *centredWith;
+    const QSize margins(frame.left() + frame.right(), frame.top() + frame.bottom());
+    resize(size().boundedTo((area.size() - margins).expandedTo(minimumSize())));
+    const QSize whole = size() + margins;
+    const QPoint corner = area.center() - QPoint(whole.width() / 2, whole.height() / 2);
+    move(std::max(corner.x(), area.left()), std::max(corner.y(), area.top()));
   }
 
   std::shared_ptr<ns::View> content;
