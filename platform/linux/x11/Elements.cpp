@@ -52,34 +52,90 @@ desktop::Element Elements::button(xcb_window_t client, ButtonRole role) {
   return {kButton, client | static_cast<std::uint64_t>(role) << kRoleShift};
 }
 
+/// The children of a window and the one of them that is under a point, asked for in one go. What has not been received
+/// when it ends is given up.
+class Elements::LevelRequest {
+ public:
+  struct Level {
+    xcb_window_t child;
+    std::vector<xcb_window_t> children;
+  };
+
+  LevelRequest(const Connection& connection, xcb_window_t window, CGPoint position)
+      : connection_(connection),
+        child_(translate(connection, window, position)),
+        tree_(xcb_query_tree(connection.get(), window)) {}
+  ~LevelRequest() {
+    if (isReceived_) return;
+    xcb_discard_reply(connection_.get(), child_.sequence);
+    xcb_discard_reply(connection_.get(), tree_.sequence);
+  }
+  LevelRequest(const LevelRequest&) = delete;
+  LevelRequest& operator=(const LevelRequest&) = delete;
+
+  /// Waits for the server. None when there is no child at the point. Once only.
+  std::optional<Level> receive() {
+    isReceived_ = true;
+    const auto child = connection_.reply(xcb_translate_coordinates_reply, child_);
+    const auto tree = connection_.reply(xcb_query_tree_reply, tree_);
+    if (!child || !tree || child->child == XCB_WINDOW_NONE) return std::nullopt;
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    return Level{child->child, {children, children + xcb_query_tree_children_length(tree.get())}};
+  }
+
+ private:
+  const Connection& connection_;
+  const xcb_translate_coordinates_cookie_t child_;
+  const xcb_query_tree_cookie_t tree_;
+  bool isReceived_ = false;
+};
+
+Elements::Elements(const Connection& connection, WindowTracker& tracker, Placement& placement, Hiding& hiding,
+                   ClientButtons clientButtons)
+    : connection_(connection),
+      atoms_(connection),
+      tracker_(tracker),
+      placement_(placement),
+      hiding_(hiding),
+      clientButtons_(std::move(clientButtons)) {}
+
+Elements::~Elements() = default;
+
 bool Elements::mayHitButton(xcb_window_t rootChild, CGPoint position) {
   const auto window = tracker_.windowOfFrame(rootChild);
-  if (!window || !(isOnManagedTitleBar(*window, position) || clientButtonAt(*window, position))) return false;
+  if (!window) return false;
+  Press press{rootChild, position, {}};
+  if (isOnManagedTitleBar(*window, position)) {
+    press.inFrame = std::make_unique<LevelRequest>(connection_, rootChild, position);
+    connection_.flush();
+  } else if (!clientButtonAt(*window, position)) {
+    return false;
+  }
   const ns::LockGuard guard(lock_);
-  lastPress_ = {rootChild, position};
+  lastPress_ = std::move(press);
   return true;
 }
 
-std::optional<xcb_window_t> Elements::rootChildAt(CGPoint position) {
+std::optional<Elements::Press> Elements::takePress(CGPoint position) {
   {
     const ns::LockGuard guard(lock_);
-    const Press press = std::exchange(lastPress_, {});
+    Press press = std::exchange(lastPress_, {});
     if (press.rootChild != XCB_WINDOW_NONE && press.position.x == position.x && press.position.y == position.y) {
-      return press.rootChild;
+      return press;
     }
   }
   const auto top =
       connection_.reply(xcb_translate_coordinates_reply, translate(connection_, connection_.root(), position));
-  return top ? std::optional(top->child) : std::nullopt;
+  return top ? std::optional(Press{top->child, position, {}}) : std::nullopt;
 }
 
 AXError Elements::atPosition(CGPoint position, desktop::Element& element) {
-  const auto top = rootChildAt(position);
-  if (!top) return kAXErrorCannotComplete;
-  const auto window = tracker_.windowOfFrame(*top);
+  auto press = takePress(position);
+  if (!press) return kAXErrorCannotComplete;
+  const auto window = tracker_.windowOfFrame(press->rootChild);
   if (!window) return kAXErrorNoValue;
-  const auto role =
-      isOnManagedTitleBar(*window, position) ? managedButtonAt(*window, position) : clientButtonAt(*window, position);
+  const auto role = isOnManagedTitleBar(*window, position) ? managedButtonAt(*window, *std::move(press))
+                                                           : clientButtonAt(*window, position);
   element = role ? button(window->client, *role) : Elements::window(window->client);
   return kAXErrorSuccess;
 }
@@ -90,22 +146,18 @@ bool Elements::isOnManagedTitleBar(const Window& window, CGPoint position) const
          windowManagerNamed(tracker_.windowManager().name) != nullptr;
 }
 
-std::optional<ButtonRole> Elements::managedButtonAt(const Window& window, CGPoint position) const {
+std::optional<ButtonRole> Elements::managedButtonAt(const Window& window, Press press) const {
   const RunningWindowManager running = tracker_.windowManager();
   const WindowManager* manager = windowManagerNamed(running.name);
   if (manager == nullptr) return std::nullopt;
   ButtonPath path{connection_, running.pid, {window.frame}, {}};
+  auto asked = std::move(press.inFrame);
   while (path.windows.size() < manager->depth()) {
-    // Both at once: the person waits for each answer of the server.
-    const auto childAsked = translate(connection_, path.leaf(), position);
-    const auto treeAsked = xcb_query_tree(connection_.get(), path.leaf());
-    const auto next = connection_.reply(xcb_translate_coordinates_reply, childAsked);
-    const auto tree = connection_.reply(xcb_query_tree_reply, treeAsked);
-    if (!next || !tree) return std::nullopt;
-    if (next->child == XCB_WINDOW_NONE) return std::nullopt;
-    path.windows.push_back(next->child);
-    const xcb_window_t* children = xcb_query_tree_children(tree.get());
-    path.siblings.assign(children, children + xcb_query_tree_children_length(tree.get()));
+    if (!asked) asked = std::make_unique<LevelRequest>(connection_, path.leaf(), press.position);
+    auto level = std::exchange(asked, nullptr)->receive();
+    if (!level) return std::nullopt;
+    path.windows.push_back(level->child);
+    path.siblings = std::move(level->children);
   }
   return manager->roleOf(path);
 }

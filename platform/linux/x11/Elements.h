@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -26,13 +27,10 @@ class Elements {
 
   /// All references are lent. `connection` is asked questions; its events are left alone.
   Elements(const Connection& connection, WindowTracker& tracker, Placement& placement, Hiding& hiding,
-           ClientButtons clientButtons)
-      : connection_(connection),
-        atoms_(connection),
-        tracker_(tracker),
-        placement_(placement),
-        hiding_(hiding),
-        clientButtons_(std::move(clientButtons)) {}
+           ClientButtons clientButtons);
+  ~Elements();
+  Elements(const Elements&) = delete;
+  Elements& operator=(const Elements&) = delete;
 
   static desktop::Element systemWide();
   static desktop::Element application(pid_t pid);
@@ -40,7 +38,8 @@ class Elements {
   static desktop::Element button(xcb_window_t client, ButtonRole role);
 
   /// Whether a press in `rootChild`, a child of the root window, could be on a title-bar button. From memory, on any
-  /// thread. The press is kept in mind, so that the next atPosition need not ask which window it was in.
+  /// thread. The press is kept in mind, and the server asked what is under it, so that the answer is there when
+  /// atPosition wants it.
   bool mayHitButton(xcb_window_t rootChild, CGPoint position);
 
   // As in desktop::Desktop.
@@ -50,15 +49,19 @@ class Elements {
   AXError processIdentifier(const desktop::Element& element, pid_t& pid) const;
 
  private:
+  class LevelRequest;
   struct Press {
     xcb_window_t rootChild = XCB_WINDOW_NONE;
     CGPoint position{};
+    /// What is under it in its frame; null where the window manager has no buttons.
+    std::unique_ptr<LevelRequest> inFrame;
   };
 
-  /// None when the X server does not answer.
-  std::optional<xcb_window_t> rootChildAt(CGPoint position);
+  /// The last press when it was here and has not been taken yet; otherwise what the server says. None when it does not
+  /// answer.
+  std::optional<Press> takePress(CGPoint position);
   bool isOnManagedTitleBar(const Window& window, CGPoint position) const;
-  std::optional<ButtonRole> managedButtonAt(const Window& window, CGPoint position) const;
+  std::optional<ButtonRole> managedButtonAt(const Window& window, Press press) const;
   std::optional<ButtonRole> clientButtonAt(const Window& window, CGPoint position) const;
   MinimizeButton minimizeButtonOf(const Window& window) const;
   AXError applicationAttribute(pid_t pid, std::string_view name, desktop::Value& value) const;
