@@ -40,11 +40,15 @@ std::string_view environment(const char* name) {
   return value == nullptr ? std::string_view() : value;
 }
 
-/// X.Org packs its version into the number: 12101007 is 1.21.1.7. Others number as they like.
+/// X.Org packs its version into the number: 12013000 is 1.20.13, and since the first digit was dropped from the names
+/// 12101007 is 21.1.7. Others number as they like.
 std::string serverVersion(const std::string& vendor, std::uint32_t release) {
   if (vendor.find("X.Org") == std::string::npos) return std::to_string(release);
-  return std::to_string(release / 10'000'000) + '.' + std::to_string(release / 100'000 % 100) + '.' +
-         std::to_string(release / 1000 % 100) + '.' + std::to_string(release % 1000);
+  const auto part = [&](std::uint32_t unit) { return std::to_string(release / unit % 100); };
+  const bool isNamedByYear = release >= 12'100'000;
+  const std::string last = std::to_string(release % 1000);
+  return (isNamedByYear ? "" : part(10'000'000) + '.') + part(100'000) + '.' + part(1000) +
+         (isNamedByYear || last != "0" ? '.' + last : "");
 }
 
 std::string serverDescription(const Connection& connection) {
