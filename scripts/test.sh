@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# test.sh [CTEST-ARGUMENT...]: builds everything and runs all tests; -L unit, for example, runs one kind alone. On a Mac
-# these are the tests on the simulated desktop.
+# test.sh [CTEST-ARGUMENT...]: builds everything and runs all tests; with -L desktop only those on real desktops. On a
+# Mac these are the tests on the simulated desktop.
 source "$(dirname "$0")/lib.sh"
 scripts/setup.sh build desktop test
 if on_mac; then preset=simulated; else preset=release; fi
