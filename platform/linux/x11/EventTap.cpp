@@ -121,7 +121,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
     // With a button down already it belongs to a swallowed click: our grab still runs and nothing is frozen.
     if ((event.state & anyButton) != 0) return;
     const CGPoint position{static_cast<CGFloat>(event.root_x), static_cast<CGFloat>(event.root_y)};
-    if (!enabled_ || !filter_(event.child, position)) return replay(*connection_, event.time);
+    if (!enabled_ || !filter_(event.child, position)) return settle(*connection_, event.time, true);
     if (isThrownOut()) return;  // an old press, read after a long stop: it is too late to act on it
     const auto number = ++presses_;
     {
@@ -144,12 +144,18 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
     const bool pass = closed_ || !enabled_ || handler_(mouseDown);
     const auto press = takePending(number);
     if (!press) return;
-    if (pass) {
-      replay(*press->connection, press->time);
-    } else {
-      swallow(*press->connection, press->time);
-    }
+    settle(*press->connection, press->time, pass);
     wake_.signal();  // sending may also have read events, which poll() then does not report
+  }
+
+  /// Any thread.
+  static void settle(const Connection& connection, xcb_timestamp_t press, bool pass) {
+    if (pass) {
+      replay(connection, press);
+    } else {
+      swallow(connection, press);
+    }
+    if (auto* watchdog = Watchdog::shared()) watchdog->settled(press);
   }
 
   bool isPending(std::uint64_t number) {
@@ -170,7 +176,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
       const auto left = std::chrono::ceil<milliseconds>(pending_->deadline - Clock::now());
       if (left > milliseconds(0)) return left;
       enabled_ = false;
-      replay(*pending_->connection, pending_->time);
+      settle(*pending_->connection, pending_->time, true);
       pending_.reset();
     }
     notifyDisabled();
@@ -198,7 +204,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
   void detach() {
     {
       const ns::LockGuard guard(lock_);
-      if (pending_) replay(*connection_, pending_->time);
+      if (pending_) settle(*connection_, pending_->time, true);
       pending_.reset();
     }
     if (auto* watchdog = Watchdog::shared()) watchdog->watch(XCB_WINDOW_NONE);
@@ -214,7 +220,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
                         {watchdog != nullptr ? watchdog->fileDescriptor() : -1, POLLIN, 0}};
     if (poll(sources, std::size(sources), timeout ? static_cast<int>(timeout->count()) : -1) <= 0) return;
     if (sources[1].revents != 0) wake_.clear();
-    if (sources[2].revents != 0) {
+    if (watchdog != nullptr && sources[2].revents != 0) {
       const ns::LockGuard guard(lock_);
       watchdog->answer(pending_.has_value());
     }

@@ -3,7 +3,8 @@
 // A press that the tap has grabbed freezes the pointer until the tap answers, and only the tap's own connection can
 // answer. If the whole process is stopped or the tap's thread hangs, the one way out is to have the server throw that
 // connection out, which takes somebody who still runs. It learns of presses from raw events, which the server sends
-// before it freezes, and asks the tap's thread for a sign of life only after one; in between it sleeps without a timer.
+// before it freezes. The tap notes each press that it has settled where the watchdog can read it, so the tap's thread is
+// asked for a sign of life only after a press that it has not noted; in between the watchdog sleeps without a timer.
 //
 // It is forked and not started as a program of its own: so it shares the memory that is there at the start of main
 // instead of loading every library again, and nothing has to be found on disk.
@@ -11,13 +12,18 @@
 
 #include <xcb/xcb.h>
 
+#include <atomic>
 #include <cstdint>
 
 namespace x11 {
 
-/// The application's end. Used by one thread at a time: the tap's.
+/// The application's end. Used by one thread at a time, the tap's, but for settled().
 class Watchdog {
  public:
+  /// Lies in memory that both processes share.
+  using PressTime = std::atomic<xcb_timestamp_t>;
+  static_assert(PressTime::is_always_lock_free);
+
   /// Forks the process; see ns::startHelperProcess.
   static void start();
   /// Null when none was started.
@@ -28,14 +34,17 @@ class Watchdog {
   /// Has it watch over the connection that created `window`; 0 for none. To be told again after it has thrown a
   /// connection out.
   void watch(xcb_window_t window);
+  /// Notes that the press with that time has been answered and so holds the pointer no longer. Any thread.
+  void settled(xcb_timestamp_t press) { lastSettled_ = press; }
   /// Answers the question that has arrived. `pressPending`: the pointer is frozen and the tap knows; ask again soon.
   void answer(bool pressPending);
 
  private:
-  explicit Watchdog(int socket) : socket_(socket) {}
+  Watchdog(int socket, PressTime& lastSettled) : socket_(socket), lastSettled_(lastSettled) {}
   void send(std::uint32_t kind, std::uint32_t value);
 
   int socket_;
+  PressTime& lastSettled_;
 };
 
 }  // namespace x11
