@@ -1,8 +1,26 @@
 // Everything that people do with the first mouse button but clicking a title-bar button works as ever.
+#include <filesystem>
+#include <fstream>
+
 #include "tests/desktop/DesktopTest.h"
 
 namespace desktoptest {
 namespace {
+
+/// How often the thread of that name has woken up; 0 when there is none.
+long wakeUps(pid_t process, const std::string& thread) {
+  for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+    std::ifstream status(task.path() / "status");
+    long count = 0;
+    bool isWanted = false;
+    for (std::string key, value; status >> key && std::getline(status >> std::ws, value);) {
+      if (key == "Name:") isWanted = value == thread;
+      if (key == "voluntary_ctxt_switches:") count = std::stol(value);
+    }
+    if (isWanted) return count;
+  }
+  return 0;
+}
 
 class PassThrough : public EachWindowManager {};
 
@@ -43,6 +61,21 @@ TEST_P(PassThrough, TextIsSelectedByDraggingAndByDoubleClick) {
         },
         std::chrono::milliseconds(500));
   }));
+}
+
+TEST_P(PassThrough, ClicksThatRaiseAWindowLeaveTheToolkitAsleep) {
+  const Window windows[] = {openTerminal({100, 120, 500, 340}), openTerminal({700, 120, 500, 340})};
+  desktop.startOstrel();
+  desktop.settle();
+  const long before = wakeUps(desktop.ostrel().pid(), "QXcbEventQueue");
+  ASSERT_GT(before, 0);
+  constexpr int clicks = 10;
+  for (int i = 0; i < clicks; ++i) {
+    const Frame text = x.rectangle(windows[i % 2]).value();
+    x.click({text.x + text.width / 2, text.y + text.height / 2});
+    desktop.settle();
+  }
+  EXPECT_LT(wakeUps(desktop.ostrel().pid(), "QXcbEventQueue") - before, clicks / 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(, PassThrough, windowManagers(), parameterName);

@@ -13,8 +13,9 @@
 #endif
 
 #include <QGuiApplication>
-#include <cstdlib>
-#include <memory>
+#include <QWindow>
+
+#include "platform/linux/qt/ToolkitConnection.h"
 
 namespace qt {
 namespace {
@@ -28,31 +29,32 @@ void ignoreButtonStates(xcb_connection_t* connection) {
   xcb_xkb_select_events_aux(connection, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0, &details);
 }
 
-/// The toolkit asks for crossings of the root window and drops them. Our own grab makes two at each press.
-void ignoreCrossings(xcb_connection_t* connection, xcb_window_t root) {
-  struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-  };
-  const std::unique_ptr<xcb_get_window_attributes_reply_t, Free> attributes{
-      xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, root), nullptr)};
+/// Of the root window the toolkit asks for
+/// - crossings, and drops them: our own grab makes two at each press;
+/// - changes of properties, to know the work area: window managers write some at each click that raises a window. It
+///   also waits for one of its own, without end, should it need the server's time to own the clipboard; so they are
+///   wanted while a window of ours has the keyboard.
+void selectRootEvents(xcb_connection_t* connection, bool withProperties) {
+  const xcb_window_t root = rootWindow(connection);
+  const auto attributes =
+      owned(xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, root), nullptr));
   if (!attributes) return;
-  constexpr std::uint32_t crossings = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
-  const std::uint32_t mask = attributes->your_event_mask & ~crossings;
+  const std::uint32_t crossings = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
+  const std::uint32_t kept = attributes->your_event_mask & ~(crossings | XCB_EVENT_MASK_PROPERTY_CHANGE);
+  const std::uint32_t mask = kept | (withProperties ? std::uint32_t{XCB_EVENT_MASK_PROPERTY_CHANGE} : 0U);
   xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &mask);
+  xcb_flush(connection);
 }
 
 }  // namespace
 
 void ignoreClicksElsewhere() {
-  const auto* platform = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  // Off screen the toolkit answers with an application without a connection.
-  xcb_connection_t* const connection = platform != nullptr ? platform->connection() : nullptr;
+  xcb_connection_t* const connection = toolkitConnection();
   if (connection == nullptr) return;
   ignoreButtonStates(connection);
-  for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection)); screens.rem > 0; xcb_screen_next(&screens)) {
-    ignoreCrossings(connection, screens.data->root);
-  }
-  xcb_flush(connection);
+  selectRootEvents(connection, false);
+  QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, qGuiApp,
+                   [connection](const QWindow* focused) { selectRootEvents(connection, focused != nullptr); });
 }
 
 }  // namespace qt

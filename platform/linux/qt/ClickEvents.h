@@ -3,9 +3,10 @@
 
 namespace qt {
 
-/// Has the X server no longer tell the toolkit about clicks on other programs' windows, which would wake two of its
-/// threads at the very moment when the click is waited for. To be called once the application object exists. Without
-/// effect on other platforms.
+/// Has the X server no longer tell the toolkit about clicks on other programs' windows and what they lead to, which
+/// would wake two of its threads at the very moment when the click is waited for. It then hears of a changed work area
+/// only while a window of ours has the keyboard; workArea() asks. To be called once the application object exists.
+/// Without effect on other platforms.
 void ignoreClicksElsewhere();
 
 }  // namespace qt

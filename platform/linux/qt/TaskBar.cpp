@@ -1,34 +1,18 @@
 #include "platform/linux/qt/TaskBar.h"
 
-#include <xcb/xcb.h>
-
 #include <QApplication>
 #include <QWidget>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 
 #include "platform/Application.h"
 #include "platform/linux/qt/Symbols.h"
+#include "platform/linux/qt/ToolkitConnection.h"
 
 namespace qt {
-namespace {
-
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-  const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
-      xcb_intern_atom_reply(connection, cookie, nullptr), std::free);
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-}  // namespace
 
 void applyTaskBarPolicy(QWidget& window) {
-  const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  // Off screen the toolkit answers with an application without a connection.
-  xcb_connection_t* const connection = x11 ? x11->connection() : nullptr;
+  xcb_connection_t* const connection = toolkitConnection();
   if (!connection) return;
   // Not before there is a window: most of the time there is none.
   if (QApplication::windowIcon().isNull()) QApplication::setWindowIcon(drawApplicationIcon());
@@ -46,8 +30,8 @@ void applyTaskBarPolicy(QWidget& window) {
     message.data.data32[1] = hints[0];
     message.data.data32[2] = hints[1];
     message.data.data32[3] = 1;
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-    xcb_send_event(connection, 0, root, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+    xcb_send_event(connection, 0, rootWindow(connection),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&message));
   } else {
     // The toolkit adds its own states to these when it shows the window.

@@ -1,7 +1,5 @@
 #include "platform/linux/qt/TrayHosts.h"
 
-#include <xcb/xcb.h>
-
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -9,12 +7,10 @@
 #include <QDBusServiceWatcher>
 #include <QGuiApplication>
 #include <QRgb>
-#include <cstdlib>
-#include <memory>
-#include <string_view>
 #include <utility>
 
 #include "platform/linux/qt/SessionBus.h"
+#include "platform/linux/qt/ToolkitConnection.h"
 
 namespace qt {
 namespace {
@@ -22,28 +18,9 @@ namespace {
 const auto watcherService = QString::fromLatin1(notifierWatcher);
 const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, decltype(&std::free)>;
-template <typename Reply>
-Owned<Reply> owned(Reply* reply) {
-  return {reply, std::free};
-}
-
-/// Null off screen.
-xcb_connection_t* connection() {
-  const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return x11 ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atom(xcb_connection_t* x11, std::string_view name) {
-  const auto cookie = xcb_intern_atom(x11, 0, static_cast<std::uint16_t>(name.size()), name.data());
-  const auto reply = owned(xcb_intern_atom_reply(x11, cookie, nullptr));
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 /// Qt shows items on the first screen only, and that is the one that every tray of today serves.
 bool hasEmbeddingTray() {
-  xcb_connection_t* const x11 = connection();
+  xcb_connection_t* const x11 = toolkitConnection();
   if (!x11) return false;
   static const xcb_atom_t selection = atom(x11, "_NET_SYSTEM_TRAY_S0");
   const auto reply = owned(xcb_get_selection_owner_reply(x11, xcb_get_selection_owner(x11, selection), nullptr));
@@ -97,8 +74,8 @@ bool TrayHosts::nativeEventFilter(const QByteArray& type, void* message, qintptr
   const auto* const event = static_cast<const xcb_generic_event_t*>(message);
   if ((event->response_type & 0x7FU) != XCB_CLIENT_MESSAGE) return false;
   // A tray that comes announces itself to the root window.
-  static const xcb_atom_t manager = atom(connection(), "MANAGER");
-  static const xcb_atom_t selection = atom(connection(), "_NET_SYSTEM_TRAY_S0");
+  static const xcb_atom_t manager = atom(toolkitConnection(), "MANAGER");
+  static const xcb_atom_t selection = atom(toolkitConnection(), "_NET_SYSTEM_TRAY_S0");
   const auto* const announcement = reinterpret_cast<const xcb_client_message_event_t*>(event);
   if (announcement->type == manager && announcement->data.data32[1] == selection) tell();
   return false;
@@ -110,10 +87,10 @@ void TrayHosts::tell() {
 }
 
 std::optional<bool> isDarkBehind(std::uint32_t window) {
-  xcb_connection_t* const x11 = connection();
+  xcb_connection_t* const x11 = toolkitConnection();
   if (!x11) return std::nullopt;
   // Read from the screen: the window's own pixels may be transparent ones.
-  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x11)).data->root;
+  const xcb_window_t root = rootWindow(x11);
   const auto place =
       owned(xcb_translate_coordinates_reply(x11, xcb_translate_coordinates(x11, window, root, 0, 0), nullptr));
   if (!place) return std::nullopt;

@@ -12,6 +12,7 @@
 #include "platform/linux/qt/TaskBar.h"
 #include "platform/linux/qt/ViewNative.h"
 #include "platform/linux/qt/ViewWidget.h"
+#include "platform/linux/qt/WorkArea.h"
 
 namespace qt {
 namespace {
@@ -60,7 +61,7 @@ class WindowWidget final : public QWidget {
 
   void center() {
     centredWith = frameMargins();
-    const QRect area = screen()->availableGeometry();
+    const QRect area = qt::workArea(*screen());
     // On a small screen no larger than the screen, as far as the minimum allows; then at least with its title bar.
     const QMargins& frame = *centredWith;
     const QSize margins(frame.left() + frame.right(), frame.top() + frame.bottom());

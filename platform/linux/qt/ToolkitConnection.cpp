@@ -1,0 +1,24 @@
+#include "platform/linux/qt/ToolkitConnection.h"
+
+#include <QGuiApplication>
+#include <cstdint>
+
+namespace qt {
+
+xcb_connection_t* toolkitConnection() {
+  const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  // Off screen the toolkit answers with an application without a connection.
+  return x11 ? x11->connection() : nullptr;
+}
+
+xcb_window_t rootWindow(xcb_connection_t* connection) {
+  return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+}
+
+xcb_atom_t atom(xcb_connection_t* connection, std::string_view name) {
+  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  const auto reply = owned(xcb_intern_atom_reply(connection, cookie, nullptr));
+  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+}  // namespace qt
