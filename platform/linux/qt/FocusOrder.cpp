@@ -39,6 +39,11 @@ Native* firstScrolling(const Native& native) {
 
 }  // namespace
 
+bool hasFocus(const Native& native) {
+  const QWidget* const owner = native.widget->window()->focusWidget();
+  return owner && (owner == native.widget || native.widget->isAncestorOf(owner));
+}
+
 void focus(Native& native, Qt::FocusReason reason) {
   native.takeFocus(reason);
   reveal(native);
@@ -48,10 +53,7 @@ bool moveFocus(Native& root, bool forward) {
   std::vector<Native*> stops;
   collect(root, stops);
   if (stops.empty()) return false;
-  const QWidget* const owner = root.widget->window()->focusWidget();
-  const auto current = std::find_if(stops.begin(), stops.end(), [&](const Native* stop) {
-    return owner && (stop->widget == owner || stop->widget->isAncestorOf(owner));
-  });
+  const auto current = std::ranges::find_if(stops, [](const Native* stop) { return hasFocus(*stop); });
   const auto count = static_cast<std::ptrdiff_t>(stops.size());
   std::ptrdiff_t next = forward ? 0 : count - 1;
   if (current != stops.end()) next = (current - stops.begin() + (forward ? 1 : count - 1)) % count;

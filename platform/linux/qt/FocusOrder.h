@@ -9,6 +9,9 @@ namespace qt {
 /// of reading; scrolls it into sight. False when there is none.
 bool moveFocus(ns::View::Native& root, bool forward);
 
+/// Whether the keyboard is at the view, or at what edits in it, once its window has it.
+bool hasFocus(const ns::View::Native& native);
+
 /// Gives the keyboard to the view and scrolls it into sight.
 void focus(ns::View::Native& native, Qt::FocusReason reason);
 

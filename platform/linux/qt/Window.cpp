@@ -165,11 +165,7 @@ void Window::makeKeyAndOrderFront() {
 
 void Window::close() { native_->widget.close(); }
 
-bool Window::isFirstResponder(const View& view) const {
-  const QWidget* const owner = native_->widget.focusWidget();
-  const QWidget* const own = view.native().widget;
-  return owner && (owner == own || own->isAncestorOf(owner));
-}
+bool Window::isFirstResponder(const View& view) const { return qt::hasFocus(view.native()); }
 
 void Window::makeFirstResponder(View& view) {
   view.layoutSubtreeIfNeeded();
