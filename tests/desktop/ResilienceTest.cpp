@@ -52,7 +52,7 @@ TEST_P(Resilience, AStoppedApplicationCostsNobodyAClick) {
   stoppedProcess.signal(SIGCONT);
 }
 
-TEST_P(Resilience, KilledInAPressItLeavesTheMouseFree) {
+TEST_P(Resilience, KilledInAPressItPassesThePressOn) {
   const Window window = openEditor();
   desktop.startOstrel();
   const Point place = desktop.button(window, Button::Minimise);
@@ -60,8 +60,8 @@ TEST_P(Resilience, KilledInAPressItLeavesTheMouseFree) {
   x.movePointer(place);
   x.press();
   desktop.ostrel().signal(SIGKILL);
-  EXPECT_TRUE(happens([&] { return x.isPointerFree(); }));
   x.release();
+  expectNativeMinimise(window, startFrame);
   desktop.click(window, Button::Zoom);
   EXPECT_TRUE(happens([&] { return x.isMaximised(window); })) << "the button is native again";
 }
@@ -72,9 +72,9 @@ TEST_P(Resilience, StoppedInAPressItLeavesTheMouseFreeWithinAQuarterOfASecond) {
   auto best = milliseconds::max();
   for (int attempt = 0; attempt < 3 && best > milliseconds(250); ++attempt) {
     desktop.startOstrel();
-    const Point place = desktop.titleBar(window);
     desktop.ostrel().signal(SIGSTOP);
-    x.movePointer(place);
+    // Not on the title bar: the window manager may hold the pointer for a while after a click there.
+    x.movePointer({startFrame.x + 200, startFrame.y + 200});
     const auto pressed = steady_clock::now();
     x.press();
     x.release();

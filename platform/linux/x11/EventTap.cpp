@@ -64,16 +64,10 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
     // The watchdog comes first: a press between the grab and its watch would freeze the mouse for good if we were
     // stopped just then.
     auto* const watchdog = Watchdog::shared();
-    if (watchdog != nullptr) {
-      const xcb_window_t window = xcb_generate_id(connection->get());
-      xcb_create_window(connection->get(), 0, window, connection->root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
-                        XCB_COPY_FROM_PARENT, 0, nullptr);
-      connection->synchronise();
-      watchdog->watch(window);
-    }
+    if (watchdog != nullptr) watchdog->watch(connection.get());
     grab_ = ButtonGrab::acquire(*connection);
     if (!grab_) {
-      if (watchdog != nullptr) watchdog->watch(XCB_WINDOW_NONE);
+      if (watchdog != nullptr) watchdog->watch(nullptr);
       return false;
     }
     connection_ = std::move(connection);
@@ -207,7 +201,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
       if (pending_) settle(*connection_, pending_->time, true);
       pending_.reset();
     }
-    if (auto* watchdog = Watchdog::shared()) watchdog->watch(XCB_WINDOW_NONE);
+    if (auto* watchdog = Watchdog::shared()) watchdog->watch(nullptr);
     grab_.reset();
     connection_.reset();
     attached_ = false;

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -29,17 +30,52 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 // The tap answers a press within 50 ms whatever the main thread does, so there is nothing to ask before. A process that
-// is silent and stopped is thrown out soon; one that is merely silent may be short of processor time, and throwing it
-// out loses the press, so it gets as long as the mouse may be frozen at most (250 ms), less a margin.
+// is silent and stopped is thrown out soon; one that is merely silent may be short of processor time and gets longer,
+// as it would have to connect anew. All of it must fit well into the 250 ms that the mouse may be frozen at most, since
+// this process may be short of time as well.
 constexpr auto untilQuestion = milliseconds(60);
-constexpr auto untilDoubt = milliseconds(25);
-constexpr auto untilEnd = milliseconds(75);
+constexpr auto untilDoubt = milliseconds(20);
+constexpr auto untilEnd = milliseconds(40);
+constexpr auto untilClosed = milliseconds(1000);
 
 struct Message {
   std::uint32_t kind;
   std::uint32_t value;
 };
 enum Kind : std::uint32_t { Watch, Question, Idle, Pending };
+
+/// A message as the system calls want it, with room for one descriptor.
+struct Envelope {
+  explicit Envelope(Message& message) : content{&message, sizeof message} {
+    header.msg_iov = &content;
+    header.msg_iovlen = 1;
+    header.msg_control = rights;
+    header.msg_controllen = sizeof rights;
+  }
+  Envelope(const Envelope&) = delete;
+  Envelope& operator=(const Envelope&) = delete;
+
+  void put(int descriptor) {
+    cmsghdr& place = *CMSG_FIRSTHDR(&header);
+    place.cmsg_level = SOL_SOCKET;
+    place.cmsg_type = SCM_RIGHTS;
+    place.cmsg_len = CMSG_LEN(sizeof descriptor);
+    std::memcpy(CMSG_DATA(&place), &descriptor, sizeof descriptor);
+  }
+  /// The descriptor that came along, now the caller's; -1 for none.
+  int take() {
+    int descriptor = -1;
+    const cmsghdr* const place = CMSG_FIRSTHDR(&header);
+    if (place != nullptr && place->cmsg_type == SCM_RIGHTS) {
+      std::memcpy(&descriptor, CMSG_DATA(place), sizeof descriptor);
+    }
+    return descriptor;
+  }
+
+  iovec content;
+  alignas(cmsghdr) char rights[CMSG_SPACE(sizeof(int))]{};
+  msghdr header{};
+};
 
 bool isStopped(pid_t process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/stat");
@@ -54,14 +90,14 @@ class Guard {
   Guard(int socket, pid_t process, const Watchdog::PressTime& lastSettled)
       : socket_(socket), process_(process), lastSettled_(lastSettled) {}
 
-  /// Returns when the application is gone.
+  /// Returns when the application is gone, with its press passed on.
   void run() {
     for (;;) {
       // Presses that come while a check is ahead wait for it: to be woken by each would only take time from the tap.
       const bool isWatching = connection_ && !next_;
       pollfd sources[] = {{socket_, POLLIN, 0}, {isWatching ? connection_->fileDescriptor() : -1, POLLIN, 0}};
       if (poll(sources, std::size(sources), timeout()) < 0) continue;
-      if (sources[0].revents != 0 && !receive()) return;
+      if (sources[0].revents != 0 && !receive()) return free();
       if (!next_) {
         takePresses();
         if (youngest_) wait(Stage::Hoping, youngest_->seen);
@@ -88,9 +124,10 @@ class Guard {
 
   bool receive() {
     Message message{};
-    if (recv(socket_, &message, sizeof message, 0) != sizeof message) return false;
+    Envelope envelope(message);
+    if (recvmsg(socket_, &envelope.header, MSG_CMSG_CLOEXEC) != sizeof message) return false;
     if (message.kind == Watch) {
-      watch(message.value);
+      watch(envelope.take(), message.value);
     } else if ((stage_ == Stage::Asked || stage_ == Stage::Doubted) && message.value == question_) {
       if (message.kind == Pending) {
         wait(Stage::Wondering, Clock::now());
@@ -101,10 +138,12 @@ class Guard {
     return true;
   }
 
-  void watch(xcb_window_t window) {
-    window_ = window;
+  void watch(int tap, xcb_window_t root) {
+    letGo();
+    tap_ = tap;
+    root_ = root;
     rest();
-    if (window_ == XCB_WINDOW_NONE) return;
+    if (tap_ < 0) return;
     if (!connection_ || connection_->isBroken()) {
       connection_ = Connection::open();
       if (connection_ && !selectPresses()) connection_.reset();
@@ -134,7 +173,7 @@ class Guard {
       const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(*event);
       if (press.extension != inputOpcode_ || press.event_type != XCB_INPUT_RAW_BUTTON_PRESS) continue;
       if (press.detail >= 4 && press.detail <= 7) continue;  // the wheels
-      if (window_ == XCB_WINDOW_NONE) continue;
+      if (tap_ < 0) continue;
       auto seen = Clock::now();
       if (youngest_) seen = std::min(seen, youngest_->seen + milliseconds(press.time - youngest_->time));
       youngest_ = Press{press.time, seen, press.time != std::exchange(latestTime_, press.time)};
@@ -178,13 +217,28 @@ class Guard {
     next_ = Clock::now() + untilDoubt;
   }
 
+  /// Gives up the grab and passes the press on in the tap's place, then has the server throw the tap out, so that it
+  /// learns of it. The server listens to nobody but the client that has the grab, so it takes that client's own socket.
+  /// What the client sends goes out whole, as it is little, so this does not come in the middle of it.
   void free() {
     rest();
-    if (connection_) {
-      xcb_kill_client(connection_->get(), window_);
-      connection_->flush();
-    }
-    window_ = XCB_WINDOW_NONE;
+    if (tap_ < 0) return;
+    const struct {
+      xcb_ungrab_button_request_t ungrab;
+      xcb_allow_events_request_t replay;
+    } requests{{XCB_UNGRAB_BUTTON, XCB_BUTTON_INDEX_1, sizeof requests.ungrab / 4, root_, XCB_MOD_MASK_ANY, {}},
+               {XCB_ALLOW_EVENTS, XCB_ALLOW_REPLAY_POINTER, sizeof requests.replay / 4, XCB_CURRENT_TIME}};
+    ::send(tap_, &requests, sizeof requests, MSG_NOSIGNAL | MSG_DONTWAIT);
+    shutdown(tap_, SHUT_WR);
+    // The last to close the socket must leave the server time to read, or it drops what it has not read.
+    pollfd end{tap_, POLLRDHUP, 0};
+    poll(&end, 1, static_cast<int>(untilClosed.count()));
+    letGo();
+  }
+
+  void letGo() {
+    if (tap_ >= 0) close(tap_);
+    tap_ = -1;
   }
 
   const int socket_;
@@ -192,7 +246,8 @@ class Guard {
   const Watchdog::PressTime& lastSettled_;
   std::unique_ptr<Connection> connection_;
   std::uint8_t inputOpcode_ = 0;
-  xcb_window_t window_ = XCB_WINDOW_NONE;
+  int tap_ = -1;  // the socket of its connection
+  xcb_window_t root_ = XCB_WINDOW_NONE;
   std::optional<Clock::time_point> next_;
   std::optional<Press> youngest_;  // of those seen since we last were at rest
   xcb_timestamp_t latestTime_ = XCB_CURRENT_TIME;
@@ -217,13 +272,13 @@ void Watchdog::start() {
   const pid_t child = fork();
   if (child == 0) {
     close(sockets[0]);
-    setsid();  // what stops the terminal's process group must not stop this process as well
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    setsid();  // what stops or ends the terminal's process group must not do so to this process as well
     prctl(PR_SET_NAME, "ostrel-watchdog");
-    // A press may wake it together with the tap, and the tap must not wait for it: an idle task gives way at once. On
-    // two busy cores it still runs within milliseconds, because it has used so little.
+    // A press may wake it together with the tap, and the tap must not wait for it: a batch task displaces no other. (An
+    // idle task would not either, but on busy cores it may then be kept waiting for longer than a mouse may stand
+    // still.)
     const sched_param priority{};
-    sched_setscheduler(0, SCHED_IDLE, &priority);
+    sched_setscheduler(0, SCHED_BATCH, &priority);
     Guard(sockets[1], application, *lastSettled).run();
     _exit(0);
   }
@@ -237,7 +292,17 @@ void Watchdog::start() {
 
 Watchdog* Watchdog::shared() { return instance().get(); }
 
-void Watchdog::watch(xcb_window_t window) { send(Watch, window); }
+void Watchdog::watch(const Connection* connection) {
+  Message message{Watch, XCB_WINDOW_NONE};
+  Envelope envelope(message);
+  if (connection != nullptr) {
+    message.value = connection->root();
+    envelope.put(connection->fileDescriptor());
+  } else {
+    envelope.header.msg_controllen = 0;
+  }
+  if (socket_ >= 0) sendmsg(socket_, &envelope.header, MSG_NOSIGNAL | MSG_DONTWAIT);
+}
 
 void Watchdog::answer(bool pressPending) {
   Message message{};

@@ -1,10 +1,11 @@
 // The watchdog: a process that frees the mouse when the event tap does not.
 //
-// A press that the tap has grabbed freezes the pointer until the tap answers, and only the tap's own connection can
-// answer. If the whole process is stopped or the tap's thread hangs, the one way out is to have the server throw that
-// connection out, which takes somebody who still runs. It learns of presses from raw events, which the server sends
-// before it freezes. The tap notes each press that it has settled where the watchdog can read it, so the tap's thread is
-// asked for a sign of life only after a press that it has not noted; in between the watchdog sleeps without a timer.
+// A press that the tap has grabbed freezes the pointer until the tap answers, and only over the tap's own connection
+// can one answer. If the whole process is stopped or killed or the tap's thread hangs, that takes somebody who still
+// runs and shares the connection: the watchdog passes the press on and closes the connection. It learns of presses from
+// raw events, which the server sends before it freezes. The tap notes each press that it has settled where the watchdog
+// can read it, so the tap's thread is asked for a sign of life only after a press that it has not noted; in between the
+// watchdog sleeps without a timer.
 //
 // It is forked and not started as a program of its own: so it shares the memory that is there at the start of main
 // instead of loading every library again, and nothing has to be found on disk.
@@ -14,6 +15,8 @@
 
 #include <atomic>
 #include <cstdint>
+
+#include "platform/linux/x11/Connection.h"
 
 namespace x11 {
 
@@ -31,9 +34,9 @@ class Watchdog {
 
   /// Readable when answer() has something to do; -1 when the process is gone.
   int fileDescriptor() const { return socket_; }
-  /// Has it watch over the connection that created `window`; 0 for none. To be told again after it has thrown a
-  /// connection out.
-  void watch(xcb_window_t window);
+  /// Has it watch over that connection, whose socket it then shares; null for none. To be told again after it has
+  /// closed a connection.
+  void watch(const Connection* connection);
   /// Notes that the press with that time has been answered and so holds the pointer no longer. Any thread.
   void settled(xcb_timestamp_t press) { lastSettled_ = press; }
   /// Answers the question that has arrived. `pressPending`: the pointer is frozen and the tap knows; ask again soon.
