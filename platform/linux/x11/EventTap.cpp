@@ -115,8 +115,10 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
     // With a button down already it belongs to a swallowed click: our grab still runs and nothing is frozen.
     if ((event.state & anyButton) != 0) return;
     const CGPoint position{static_cast<CGFloat>(event.root_x), static_cast<CGFloat>(event.root_y)};
-    if (!enabled_ || !filter_(event.child, position)) return settle(*connection_, event.time, true);
-    if (isThrownOut()) return;  // an old press, read after a long stop: it is too late to act on it
+    // Taken over: an old press, read after a long stop, that has gone on its way already.
+    const auto* const watchdog = Watchdog::shared();
+    const bool isTakenOver = watchdog != nullptr && watchdog->hasTakenOver();
+    if (!enabled_ || isTakenOver || !filter_(event.child, position)) return settle(*connection_, event.time, true);
     const auto number = ++presses_;
     {
       const ns::LockGuard guard(lock_);
@@ -124,12 +126,6 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
     }
     const desktop::MouseDown mouseDown{kCGEventLeftMouseDown, flagsOf(event.state), position};
     ns::dispatchAsyncOnMainQueue([self = shared_from_this(), number, mouseDown] { self->decide(number, mouseDown); });
-  }
-
-  /// Whether the server has closed the connection, even if events that it sent before are still to be read.
-  bool isThrownOut() const {
-    pollfd source{connection_->fileDescriptor(), POLLRDHUP, 0};
-    return poll(&source, 1, 0) != 0;
   }
 
   /// Main thread. Answers the server from here: one change of threads less for the person who waits.

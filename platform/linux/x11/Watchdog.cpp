@@ -87,8 +87,7 @@ bool isStopped(pid_t process) {
 /// The watchdog's own side.
 class Guard {
  public:
-  Guard(int socket, pid_t process, const Watchdog::PressTime& lastSettled)
-      : socket_(socket), process_(process), lastSettled_(lastSettled) {}
+  Guard(int socket, pid_t process, Watchdog::Notes& notes) : socket_(socket), process_(process), notes_(notes) {}
 
   /// Returns when the application is gone, with its press passed on.
   void run() {
@@ -142,6 +141,7 @@ class Guard {
     letGo();
     tap_ = tap;
     root_ = root;
+    notes_.hasTakenOver = false;
     rest();
     if (tap_ < 0) return;
     if (!connection_ || connection_->isBroken()) {
@@ -195,7 +195,7 @@ class Guard {
     switch (stage_) {
       case Stage::Hoping:
         takePresses();
-        if (youngest_->alone && youngest_->time == lastSettled_) return rest();
+        if (youngest_->alone && youngest_->time == notes_.lastSettled) return rest();
         if (Clock::now() < youngest_->seen + untilQuestion) return wait(Stage::Hoping, youngest_->seen);
         return ask();  // not settled, or none of the tap's: of another button, say
       case Stage::Wondering:
@@ -223,6 +223,7 @@ class Guard {
   void free() {
     rest();
     if (tap_ < 0) return;
+    notes_.hasTakenOver = true;  // first, since the tap may wake up at any moment and read the same press
     const struct {
       xcb_ungrab_button_request_t ungrab;
       xcb_allow_events_request_t replay;
@@ -243,7 +244,7 @@ class Guard {
 
   const int socket_;
   const pid_t process_;
-  const Watchdog::PressTime& lastSettled_;
+  Watchdog::Notes& notes_;
   std::unique_ptr<Connection> connection_;
   std::uint8_t inputOpcode_ = 0;
   int tap_ = -1;  // the socket of its connection
@@ -263,9 +264,9 @@ std::unique_ptr<Watchdog>& instance() {
 }  // namespace
 
 void Watchdog::start() {
-  void* const memory = mmap(nullptr, sizeof(PressTime), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  void* const memory = mmap(nullptr, sizeof(Notes), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   if (memory == MAP_FAILED) return;
-  auto* const lastSettled = new (memory) PressTime(XCB_CURRENT_TIME);
+  auto* const notes = new (memory) Notes;
   int sockets[2];
   if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0) return;
   const pid_t application = getpid();
@@ -279,14 +280,14 @@ void Watchdog::start() {
     // still.)
     const sched_param priority{};
     sched_setscheduler(0, SCHED_BATCH, &priority);
-    Guard(sockets[1], application, *lastSettled).run();
+    Guard(sockets[1], application, *notes).run();
     _exit(0);
   }
   close(sockets[1]);
   if (child < 0) {
     close(sockets[0]);
   } else {
-    instance().reset(new Watchdog(sockets[0], *lastSettled));
+    instance().reset(new Watchdog(sockets[0], *notes));
   }
 }
 

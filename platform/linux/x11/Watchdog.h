@@ -23,9 +23,14 @@ namespace x11 {
 /// The application's end. Used by one thread at a time, the tap's, but for settled().
 class Watchdog {
  public:
-  /// Lies in memory that both processes share.
-  using PressTime = std::atomic<xcb_timestamp_t>;
-  static_assert(PressTime::is_always_lock_free);
+  /// What both processes see.
+  struct Notes {
+    /// Written by the tap: the time of the press that it has answered last.
+    std::atomic<xcb_timestamp_t> lastSettled = XCB_CURRENT_TIME;
+    /// Written by the watchdog.
+    std::atomic<bool> hasTakenOver = false;
+    static_assert(decltype(lastSettled)::is_always_lock_free && decltype(hasTakenOver)::is_always_lock_free);
+  };
 
   /// Forks the process; see ns::startHelperProcess.
   static void start();
@@ -38,16 +43,18 @@ class Watchdog {
   /// closed a connection.
   void watch(const Connection* connection);
   /// Notes that the press with that time has been answered and so holds the pointer no longer. Any thread.
-  void settled(xcb_timestamp_t press) { lastSettled_ = press; }
+  void settled(xcb_timestamp_t press) { notes_.lastSettled = press; }
+  /// Whether it has passed a press on itself and given the connection up.
+  bool hasTakenOver() const { return socket_ >= 0 && notes_.hasTakenOver; }
   /// Answers the question that has arrived. `pressPending`: the pointer is frozen and the tap knows; ask again soon.
   void answer(bool pressPending);
 
  private:
-  Watchdog(int socket, PressTime& lastSettled) : socket_(socket), lastSettled_(lastSettled) {}
+  Watchdog(int socket, Notes& notes) : socket_(socket), notes_(notes) {}
   void send(std::uint32_t kind, std::uint32_t value);
 
   int socket_;
-  PressTime& lastSettled_;
+  Notes& notes_;
 };
 
 }  // namespace x11
