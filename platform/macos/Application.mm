@@ -25,14 +25,14 @@ namespace {
 
 // A click waits while the tap asks Accessibility about it, and the system disables a tap that keeps it waiting for
 // long. A classification that meets a hung application ends after at most two failed questions.
-constexpr float kMessagingTimeout = 0.25F;
+constexpr float messagingTimeout = 0.25F;
 
 class AppKitApplication final : public Application {
  public:
   AppKitApplication() : delegate_([[OstrelApplicationDelegate alloc] init]) {
     NSApplication.sharedApplication.delegate = delegate_;
     AXUIElementRef systemWide = AXUIElementCreateSystemWide();
-    AXUIElementSetMessagingTimeout(systemWide, kMessagingTimeout);
+    AXUIElementSetMessagingTimeout(systemWide, messagingTimeout);
     CFRelease(systemWide);
   }
 

@@ -25,10 +25,10 @@ NSFont* toNSFont(const Font& font) {
 
 // Below it a view does not hold the window open: its text gives way, and the window keeps the size that the person or
 // the program gave it.
-const NSLayoutPriority kGivesWayToWindow = NSLayoutPriorityWindowSizeStayPut - 10;
+const NSLayoutPriority givesWayToWindow = NSLayoutPriorityWindowSizeStayPut - 10;
 
 void letShrink(NSView* view) {
-  [view setContentCompressionResistancePriority:kGivesWayToWindow
+  [view setContentCompressionResistancePriority:givesWayToWindow
                                  forOrientation:NSLayoutConstraintOrientationHorizontal];
 }
 

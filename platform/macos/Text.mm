@@ -8,7 +8,7 @@ namespace ns {
 namespace {
 
 // The wanted encoding by its byte order, so that no byte-order mark is expected or written.
-constexpr NSStringEncoding kScalars = NSUTF32LittleEndianStringEncoding;
+constexpr NSStringEncoding scalarEncoding = NSUTF32LittleEndianStringEncoding;
 
 /// Nil for malformed UTF-8.
 NSString* decoded(std::string_view text) {
@@ -33,7 +33,7 @@ NSString* toString(std::string_view text) {
 bool isAlphanumeric(char32_t scalar) { return [NSCharacterSet.alphanumericCharacterSet longCharacterIsMember:scalar]; }
 
 std::u32string unicodeScalars(std::string_view text) {
-  NSData* data = [toString(text) dataUsingEncoding:kScalars];
+  NSData* data = [toString(text) dataUsingEncoding:scalarEncoding];
   std::u32string scalars(data.length / sizeof(char32_t), U'\0');
   [data getBytes:scalars.data() length:scalars.size() * sizeof(char32_t)];
   return scalars;
@@ -42,7 +42,7 @@ std::u32string unicodeScalars(std::string_view text) {
 std::string utf8(std::u32string_view scalars) {
   NSString* string = [[NSString alloc] initWithBytes:scalars.data()
                                               length:scalars.size() * sizeof(char32_t)
-                                            encoding:kScalars];
+                                            encoding:scalarEncoding];
   const char* text = string.UTF8String;
   return text != nullptr ? text : "";
 }

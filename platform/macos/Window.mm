@@ -29,9 +29,9 @@
 
 - (BOOL)performKeyEquivalent:(NSEvent*)event {
   if ([super performKeyEquivalent:event]) return YES;
-  constexpr NSEventModifierFlags kModifiers =
+  constexpr NSEventModifierFlags modifierKeys =
       NSEventModifierFlagCommand | NSEventModifierFlagShift | NSEventModifierFlagOption | NSEventModifierFlagControl;
-  if ((event.modifierFlags & kModifiers) != NSEventModifierFlagCommand) return NO;
+  if ((event.modifierFlags & modifierKeys) != NSEventModifierFlagCommand) return NO;
   NSDictionary<NSString*, NSString*>* actions = @{
     @"w" : @"performClose:",
     @"x" : @"cut:",

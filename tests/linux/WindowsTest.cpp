@@ -11,16 +11,16 @@ using support::Desk;
 using support::ManagedWindow;
 using x11::Rect;
 
-constexpr Rect kFill{32, 56, 1376, 812};
+constexpr Rect filledFrame{32, 56, 1376, 812};
 
 class Windows : public testing::TestWithParam<const char*> {
  protected:
   Desk desk{GetParam()};
 
   void fill(xcb_window_t client) {
-    desk.set(client, "AXPosition", CGPointMake(kFill.x, kFill.y));
-    desk.set(client, "AXSize", CGSizeMake(kFill.width, kFill.height));
-    desk.set(client, "AXPosition", CGPointMake(kFill.x, kFill.y));
+    desk.set(client, "AXPosition", CGPointMake(filledFrame.x, filledFrame.y));
+    desk.set(client, "AXSize", CGSizeMake(filledFrame.width, filledFrame.height));
+    desk.set(client, "AXPosition", CGPointMake(filledFrame.x, filledFrame.y));
   }
   bool reaches(xcb_window_t client, const Rect& frame) {
     const bool reached = desk.waitFor([&] { return desk.frameOf(client) == frame; });
@@ -39,11 +39,11 @@ TEST_P(Windows, GoWhereTheyAreWanted) {
   // Nothing has been asked of anybody yet, but whoever reads now reckons with the outcome.
   desktop::Value size;
   ASSERT_EQ(desk.elements().attribute(x11::Elements::window(client), "AXSize", size), kAXErrorSuccess);
-  EXPECT_EQ(std::get<CGSize>(size).width, kFill.width);
+  EXPECT_EQ(std::get<CGSize>(size).width, filledFrame.width);
   EXPECT_EQ(desk.frameOf(client), before);
-  ASSERT_TRUE(reaches(client, kFill));
+  ASSERT_TRUE(reaches(client, filledFrame));
   desk.set(client, "AXPosition", CGPointMake(100.4, 150.6));
-  EXPECT_TRUE(reaches(client, {100, 151, kFill.width, kFill.height}));
+  EXPECT_TRUE(reaches(client, {100, 151, filledFrame.width, filledFrame.height}));
 }
 
 TEST_P(Windows, RestoredBeforeTheyAreMoved) {
@@ -59,10 +59,10 @@ TEST_P(Windows, RestoredBeforeTheyAreMoved) {
     desk.changeState(client, 1, one, other);
     ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).geometry.isConfined(); })) << one;
     fill(client);
-    ASSERT_TRUE(reaches(client, kFill)) << one;
+    ASSERT_TRUE(reaches(client, filledFrame)) << one;
     EXPECT_FALSE(desk.windowOf(client).geometry.isConfined()) << one;
     desk.set(client, "AXSize", CGSizeMake(500, 400));
-    ASSERT_TRUE(reaches(client, {kFill.x, kFill.y, 500, 400}));
+    ASSERT_TRUE(reaches(client, {filledFrame.x, filledFrame.y, 500, 400}));
   }
 }
 
@@ -74,7 +74,7 @@ TEST_P(Windows, ShadowsAreNotPartOfTheFrame) {
   window.map();
   ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).properties.wmState == 1; }));
   fill(client);
-  ASSERT_TRUE(reaches(client, kFill));
+  ASSERT_TRUE(reaches(client, filledFrame));
   EXPECT_EQ(desk.windowOf(client).geometry.client, (Rect{6, 33, 1428, 864}));
   // Its program draws another shadow in answer: the frame is still what counts.
   desk.changeState(client, 1, "MAXIMIZED_HORZ", "MAXIMIZED_VERT");
@@ -85,7 +85,7 @@ TEST_P(Windows, ShadowsAreNotPartOfTheFrame) {
   ASSERT_TRUE(desk.waitFor([&] { return !desk.windowOf(client).geometry.isConfined(); }));
   window.setProperty("_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, {26, 26, 23, 29});
   ASSERT_TRUE(desk.waitFor([&] { return desk.windowOf(client).geometry.shadow.left == 26; }));
-  EXPECT_TRUE(reaches(client, kFill));
+  EXPECT_TRUE(reaches(client, filledFrame));
 }
 
 TEST_P(Windows, TheirOwnLimitsAreAccepted) {
@@ -99,8 +99,8 @@ TEST_P(Windows, TheirOwnLimitsAreAccepted) {
   fill(client);
   ASSERT_TRUE(desk.waitFor([&] {
     const Rect frame = desk.frameOf(client);
-    return frame.x == kFill.x && frame.y == kFill.y && kFill.width - frame.width < 6 &&
-           kFill.height - frame.height < 13;
+    return frame.x == filledFrame.x && frame.y == filledFrame.y && filledFrame.width - frame.width < 6 &&
+           filledFrame.height - frame.height < 13;
   }));
   // What came of it is final: from here on the real size is what is told, not the one that was wanted.
   EXPECT_TRUE(desk.waitFor(

@@ -9,7 +9,7 @@ namespace x11 {
 
 namespace {
 
-constexpr std::pair<xcb_atom_t Atoms::*, std::string_view> kNames[] = {
+constexpr std::pair<xcb_atom_t Atoms::*, std::string_view> names[] = {
     {&Atoms::gtkApplicationId, "_GTK_APPLICATION_ID"},
     {&Atoms::gtkFrameExtents, "_GTK_FRAME_EXTENTS"},
     {&Atoms::motifWmHints, "_MOTIF_WM_HINTS"},
@@ -38,14 +38,14 @@ constexpr std::pair<xcb_atom_t Atoms::*, std::string_view> kNames[] = {
 }  // namespace
 
 Atoms::Atoms(const Connection& connection) {
-  std::array<xcb_intern_atom_cookie_t, std::size(kNames)> cookies{};
+  std::array<xcb_intern_atom_cookie_t, std::size(names)> cookies{};
   for (std::size_t i = 0; i < cookies.size(); ++i) {
-    const std::string_view name = kNames[i].second;
+    const std::string_view name = names[i].second;
     cookies[i] = xcb_intern_atom(connection.get(), 0, static_cast<std::uint16_t>(name.size()), name.data());
   }
   for (std::size_t i = 0; i < cookies.size(); ++i) {
     const auto reply = connection.reply(xcb_intern_atom_reply, cookies[i]);
-    if (reply) this->*kNames[i].first = reply->atom;
+    if (reply) this->*names[i].first = reply->atom;
   }
 }
 

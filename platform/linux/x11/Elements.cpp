@@ -9,13 +9,13 @@ namespace x11 {
 
 namespace {
 
-enum Kind : std::uint32_t { kSystemWide = 1, kApplication, kWindow, kButton };
+enum Kind : std::uint32_t { SystemWideKind = 1, ApplicationKind, WindowKind, ButtonKind };
 
 // A button's number is its window's with its role above.
-constexpr unsigned kRoleShift = 32;
+constexpr unsigned roleShift = 32;
 
 xcb_window_t clientOf(const desktop::Element& element) { return static_cast<xcb_window_t>(element.id & 0xffffffffU); }
-ButtonRole roleOf(const desktop::Element& element) { return static_cast<ButtonRole>(element.id >> kRoleShift); }
+ButtonRole roleOf(const desktop::Element& element) { return static_cast<ButtonRole>(element.id >> roleShift); }
 pid_t pidOf(const desktop::Element& element) { return static_cast<pid_t>(element.id); }
 
 AXError give(desktop::Value& value, desktop::Value answer) {
@@ -45,11 +45,11 @@ xcb_translate_coordinates_cookie_t translate(const Connection& connection, xcb_w
 
 }  // namespace
 
-desktop::Element Elements::systemWide() { return {kSystemWide, 0}; }
-desktop::Element Elements::application(pid_t pid) { return {kApplication, static_cast<std::uint32_t>(pid)}; }
-desktop::Element Elements::window(xcb_window_t client) { return {kWindow, client}; }
+desktop::Element Elements::systemWide() { return {SystemWideKind, 0}; }
+desktop::Element Elements::application(pid_t pid) { return {ApplicationKind, static_cast<std::uint32_t>(pid)}; }
+desktop::Element Elements::window(xcb_window_t client) { return {WindowKind, client}; }
 desktop::Element Elements::button(xcb_window_t client, ButtonRole role) {
-  return {kButton, client | static_cast<std::uint64_t>(role) << kRoleShift};
+  return {ButtonKind, client | static_cast<std::uint64_t>(role) << roleShift};
 }
 
 /// The children of a window and the one of them that is under a point, asked for in one go. What has not been received
@@ -183,16 +183,16 @@ MinimizeButton Elements::minimizeButtonOf(const Window& window) const {
 
 AXError Elements::attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) const {
   switch (element.kind) {
-    case kSystemWide:
+    case SystemWideKind:
       return name == "AXRole" ? give(value, text("AXSystemWide")) : kAXErrorAttributeUnsupported;
-    case kApplication:
+    case ApplicationKind:
       return applicationAttribute(pidOf(element), name, value);
-    case kWindow:
-    case kButton: {
+    case WindowKind:
+    case ButtonKind: {
       const auto window = tracker_.window(clientOf(element));
       if (!window) return kAXErrorInvalidUIElement;
-      return element.kind == kWindow ? windowAttribute(*window, name, value)
-                                     : buttonAttribute(*window, roleOf(element), name, value);
+      return element.kind == WindowKind ? windowAttribute(*window, name, value)
+                                        : buttonAttribute(*window, roleOf(element), name, value);
     }
     default:
       return kAXErrorInvalidUIElement;
@@ -240,13 +240,13 @@ AXError Elements::buttonAttribute(const Window& window, ButtonRole role, std::st
 
 AXError Elements::setAttribute(const desktop::Element& element, std::string_view name,
                                const desktop::Value& value) const {
-  if (element.kind == kApplication && name == "AXHidden") {
+  if (element.kind == ApplicationKind && name == "AXHidden") {
     const bool* hidden = std::get_if<bool>(&value);
     if (hidden == nullptr) return kAXErrorIllegalArgument;
     const bool done = *hidden ? hiding_.hide(pidOf(element)) : hiding_.unhide(pidOf(element));
     return done || !*hidden ? kAXErrorSuccess : kAXErrorInvalidUIElement;
   }
-  if (element.kind != kWindow) return kAXErrorAttributeUnsupported;
+  if (element.kind != WindowKind) return kAXErrorAttributeUnsupported;
   const xcb_window_t client = clientOf(element);
   const auto window = tracker_.window(client);
   if (!window) return kAXErrorInvalidUIElement;
@@ -270,11 +270,11 @@ AXError Elements::setAttribute(const desktop::Element& element, std::string_view
 }
 
 AXError Elements::processIdentifier(const desktop::Element& element, pid_t& pid) const {
-  if (element.kind == kApplication) {
+  if (element.kind == ApplicationKind) {
     pid = pidOf(element);
     return kAXErrorSuccess;
   }
-  if (element.kind != kWindow && element.kind != kButton) return kAXErrorIllegalArgument;
+  if (element.kind != WindowKind && element.kind != ButtonKind) return kAXErrorIllegalArgument;
   const auto window = tracker_.window(clientOf(element));
   if (!window) return kAXErrorInvalidUIElement;
   if (window->pid == 0) return kAXErrorFailure;

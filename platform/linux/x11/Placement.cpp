@@ -18,15 +18,15 @@ namespace {
 using std::chrono::milliseconds;
 
 /// How long the window manager has to take a state away.
-constexpr milliseconds kRestoring{500};
+constexpr milliseconds restoringTime{500};
 /// How long it has to begin moving a window.
-constexpr milliseconds kAnswering{250};
+constexpr milliseconds answeringTime{250};
 /// No event for so long, and what came of a request is final.
-constexpr milliseconds kQuiet{40};
+constexpr milliseconds quietTime{40};
 /// A window that was restored may still change its shadow, and with it its visible frame, once its program has drawn.
-constexpr milliseconds kWatching{400};
+constexpr milliseconds watchingTime{400};
 /// The first request, the one that corrects it, and two for a decoration and a shadow that change in the meantime.
-constexpr int kMostRequests = 4;
+constexpr int mostRequests = 4;
 
 int wholePixels(CGFloat value) {
   // Beyond what the protocol can say there is no screen; clamped before the conversion, which would be undefined.
@@ -255,7 +255,7 @@ bool Placement::begin(xcb_window_t client, Job& job, const PlacementGoal& goal) 
   requestUnconfined(*connection_, atoms_, client, *now);
   job.phase = Phase::Restoring;
   job.wasConfined = true;
-  job.deadline = Clock::now() + kRestoring;
+  job.deadline = Clock::now() + restoringTime;
   return true;
 }
 
@@ -279,10 +279,10 @@ bool Placement::advance(xcb_window_t client, Job& job, bool timedOut) {
   // have moved yet: some tell of a move before they make it.
   const bool isElsewhere = (frame.x != job.target.x || frame.y != job.target.y) && frame != job.asked.frame();
   if (job.wasThere && isElsewhere && sameExtents(*now, job.asked)) return finish(client);
-  if (!sameExtents(*now, job.asked) && job.requests < kMostRequests) return ask(client, job, *now);
+  if (!sameExtents(*now, job.asked) && job.requests < mostRequests) return ask(client, job, *now);
   if (job.phase == Phase::Watching) return true;
   if (!timedOut) {
-    job.deadline = Clock::now() + kQuiet;
+    job.deadline = Clock::now() + quietTime;
     return true;
   }
   forgetExpectation(client);
@@ -301,13 +301,13 @@ void Placement::noteRequest(Job& job, const WindowGeometry& now) {
   job.asked = now;
   job.wasThere = false;
   ++job.requests;
-  job.deadline = Clock::now() + kAnswering;
+  job.deadline = Clock::now() + answeringTime;
 }
 
 bool Placement::arrived(xcb_window_t client, Job& job) {
   if (!job.wasConfined) return finish(client);
   job.phase = Phase::Watching;
-  job.deadline = Clock::now() + kWatching;
+  job.deadline = Clock::now() + watchingTime;
   forgetExpectation(client);
   return true;
 }

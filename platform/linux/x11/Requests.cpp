@@ -8,7 +8,7 @@ namespace x11 {
 namespace {
 
 /// Of a pager: window managers obey it where they would suspect an application of stealing the focus.
-constexpr std::uint32_t kSourcePager = 2;
+constexpr std::uint32_t sourcePager = 2;
 
 void sendToWindowManager(const Connection& connection, xcb_window_t window, xcb_atom_t type,
                          const std::array<std::uint32_t, 5>& data) {
@@ -28,9 +28,9 @@ void sendToWindowManager(const Connection& connection, xcb_window_t window, xcb_
 void requestMoveResize(const Connection& connection, const Atoms& atoms, xcb_window_t client, const Rect& request) {
   // Always all four values and always this gravity: with x alone several window managers shift y, and with the window's
   // own gravity some toolkits' windows land off by the decoration.
-  constexpr std::uint32_t kAllFour = 0xf << 8;
+  constexpr std::uint32_t allFour = 0xf << 8;
   sendToWindowManager(connection, client, atoms.netMoveresizeWindow,
-                      {XCB_GRAVITY_NORTH_WEST | kAllFour | kSourcePager << 12, static_cast<std::uint32_t>(request.x),
+                      {XCB_GRAVITY_NORTH_WEST | allFour | sourcePager << 12, static_cast<std::uint32_t>(request.x),
                        static_cast<std::uint32_t>(request.y), static_cast<std::uint32_t>(std::max(request.width, 1)),
                        static_cast<std::uint32_t>(std::max(request.height, 1))});
 }
@@ -38,8 +38,8 @@ void requestMoveResize(const Connection& connection, const Atoms& atoms, xcb_win
 void requestUnconfined(const Connection& connection, const Atoms& atoms, xcb_window_t client,
                        const WindowGeometry& geometry) {
   const auto remove = [&](xcb_atom_t one, xcb_atom_t other) {
-    constexpr std::uint32_t kRemove = 0;
-    sendToWindowManager(connection, client, atoms.netWmState, {kRemove, one, other, kSourcePager, 0});
+    constexpr std::uint32_t removeState = 0;
+    sendToWindowManager(connection, client, atoms.netWmState, {removeState, one, other, sourcePager, 0});
   };
   if (geometry.fullscreen) remove(atoms.netWmStateFullscreen, XCB_ATOM_NONE);
   if (geometry.shaded) remove(atoms.netWmStateShaded, XCB_ATOM_NONE);
@@ -49,12 +49,12 @@ void requestUnconfined(const Connection& connection, const Atoms& atoms, xcb_win
 }
 
 void requestIconify(const Connection& connection, const Atoms& atoms, xcb_window_t client) {
-  constexpr std::uint32_t kIconicState = 3;
-  sendToWindowManager(connection, client, atoms.wmChangeState, {kIconicState, 0, 0, 0, 0});
+  constexpr std::uint32_t iconicState = 3;
+  sendToWindowManager(connection, client, atoms.wmChangeState, {iconicState, 0, 0, 0, 0});
 }
 
 void requestActivate(const Connection& connection, const Atoms& atoms, xcb_window_t client) {
-  sendToWindowManager(connection, client, atoms.netActiveWindow, {kSourcePager, XCB_CURRENT_TIME, 0, 0, 0});
+  sendToWindowManager(connection, client, atoms.netActiveWindow, {sourcePager, XCB_CURRENT_TIME, 0, 0, 0});
 }
 
 }  // namespace x11

@@ -12,14 +12,14 @@ namespace x11 {
 namespace {
 
 // _MOTIF_WM_HINTS: flags, functions, decorations, …
-constexpr std::uint32_t kMotifHasFunctions = 1;
-constexpr std::uint32_t kMotifHasDecorations = 2;
+constexpr std::uint32_t motifHasFunctions = 1;
+constexpr std::uint32_t motifHasDecorations = 2;
 // In functions and decorations alike, bit 0 turns the meaning of all others round.
-constexpr std::uint32_t kMotifAll = 1;
-constexpr std::uint32_t kMotifFunctionMinimize = 8;
-constexpr std::uint32_t kMotifDecorationMinimize = 32;
+constexpr std::uint32_t motifAll = 1;
+constexpr std::uint32_t motifFunctionMinimize = 8;
+constexpr std::uint32_t motifDecorationMinimize = 32;
 
-bool motifAllows(std::uint32_t bits, std::uint32_t bit) { return ((bits & kMotifAll) != 0) != ((bits & bit) != 0); }
+bool motifAllows(std::uint32_t bits, std::uint32_t bit) { return ((bits & motifAll) != 0) != ((bits & bit) != 0); }
 
 Extents extentsFrom(const std::vector<std::uint32_t>& items) {
   if (items.size() < 4) return {};
@@ -89,13 +89,13 @@ WindowProperties PropertiesRequest::receive() {
   const auto types = propertyItems(receiveProperty(connection_, type_));
   properties.isNormalType = types.empty() || contains(types, atoms_.netWmWindowTypeNormal);
   if (const auto motif = propertyItems(receiveProperty(connection_, motif_)); motif.size() >= 3) {
-    if ((motif[0] & kMotifHasFunctions) != 0) {
-      properties.functionsHaveMinimize = motifAllows(motif[1], kMotifFunctionMinimize);
+    if ((motif[0] & motifHasFunctions) != 0) {
+      properties.functionsHaveMinimize = motifAllows(motif[1], motifFunctionMinimize);
     }
-    if ((motif[0] & kMotifHasDecorations) != 0) {
+    if ((motif[0] & motifHasDecorations) != 0) {
       properties.isDecorated = motif[2] != 0;
       // Toolkits draw their own buttons in a window without decoration.
-      properties.decorationHasMinimize = motif[2] == 0 || motifAllows(motif[2], kMotifDecorationMinimize);
+      properties.decorationHasMinimize = motif[2] == 0 || motifAllows(motif[2], motifDecorationMinimize);
     }
   }
   if (const auto allowed = receiveProperty(connection_, allowed_); allowed && allowed->format == 32) {

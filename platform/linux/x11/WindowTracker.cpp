@@ -25,8 +25,8 @@ void select(const Connection& connection, xcb_window_t window, std::uint32_t mas
 }
 
 std::vector<std::uint32_t> readItems(const Connection& connection, xcb_window_t window, xcb_atom_t property) {
-  constexpr std::uint32_t kUnlimited = 1U << 20;
-  return propertyItems(receiveProperty(connection, requestProperty(connection, window, property, kUnlimited)));
+  constexpr std::uint32_t unlimited = 1U << 20;
+  return propertyItems(receiveProperty(connection, requestProperty(connection, window, property, unlimited)));
 }
 
 }  // namespace

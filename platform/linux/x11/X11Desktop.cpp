@@ -22,8 +22,8 @@ namespace {
 /// On one of the worker threads, any of which may notice first: the others, and the main thread, are left where they
 /// are. Everything worth keeping has been written the moment it was changed.
 [[noreturn]] void endAfterLoss() {
-  constexpr std::string_view kMessage = "ostrel: the X server has gone\n";
-  [[maybe_unused]] const auto written = write(STDERR_FILENO, kMessage.data(), kMessage.size());
+  constexpr std::string_view message = "ostrel: the X server has gone\n";
+  [[maybe_unused]] const auto written = write(STDERR_FILENO, message.data(), message.size());
   _exit(1);
 }
 

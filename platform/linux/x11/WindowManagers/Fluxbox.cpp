@@ -38,9 +38,9 @@ std::string configurationPath(pid_t pid) {
   for (std::size_t i = 1; i + 1 < arguments.size(); ++i) {
     if (arguments[i] == "-rc" || arguments[i] == "--rc") return arguments[i + 1];
   }
-  constexpr std::string_view kHome = "HOME=";
+  constexpr std::string_view homeVariable = "HOME=";
   for (const std::string& variable : textsOf(process + "/environ")) {
-    if (variable.starts_with(kHome)) return variable.substr(kHome.size()) + "/.fluxbox/init";
+    if (variable.starts_with(homeVariable)) return variable.substr(homeVariable.size()) + "/.fluxbox/init";
   }
   const char* home = std::getenv("HOME");
   return std::string(home != nullptr ? home : "") + "/.fluxbox/init";
@@ -50,16 +50,16 @@ class Fluxbox final : public WindowManager {
  public:
   std::size_t depth() const override { return 3; }
   std::optional<ButtonRole> roleOf(const ButtonPath& path) const override {
-    constexpr std::size_t kLabelParts = 2;
+    constexpr std::size_t labelParts = 2;
     // By age, that is by number: fluxbox raises and lowers the parts of the label.
     std::vector<xcb_window_t> parts = path.siblings;
     std::sort(parts.begin(), parts.end());
     const auto index = static_cast<std::size_t>(std::find(parts.begin(), parts.end(), path.leaf()) - parts.begin());
-    if (index < kLabelParts || index == parts.size()) return std::nullopt;
+    if (index < labelParts || index == parts.size()) return std::nullopt;
     const auto buttons = fluxboxTitleButtons(contentsOf(configurationPath(path.windowManagerPid)));
     // Another number of buttons means that the file is newer than the window, or that this is no title bar.
-    if (parts.size() != kLabelParts + buttons.size()) return std::nullopt;
-    return buttons[index - kLabelParts];
+    if (parts.size() != labelParts + buttons.size()) return std::nullopt;
+    return buttons[index - labelParts];
   }
 };
 

@@ -9,8 +9,8 @@ class Openbox final : public WindowManager {
  public:
   std::size_t depth() const override { return 3; }
   std::optional<ButtonRole> roleOf(const ButtonPath& path) const override {
-    constexpr std::size_t kPartsOfTitle = 12;
-    if (path.siblings.size() != kPartsOfTitle) return std::nullopt;
+    constexpr std::size_t partsOfTitle = 12;
+    if (path.siblings.size() != partsOfTitle) return std::nullopt;
     switch (path.index()) {
       case 6:
         return ButtonRole::Zoom;

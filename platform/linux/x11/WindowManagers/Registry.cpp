@@ -13,7 +13,7 @@ struct Entry {
   const WindowManager& (*get)();
 };
 
-constexpr Entry kEntries[] = {
+constexpr Entry entries[] = {
     {"Openbox", openbox},
     {"Xfwm4", xfwm4},
     {"Fluxbox", fluxbox},
@@ -23,9 +23,9 @@ constexpr Entry kEntries[] = {
 }  // namespace
 
 const WindowManager* windowManagerNamed(std::string_view name) {
-  const auto* found = std::find_if(std::begin(kEntries), std::end(kEntries),
+  const auto* found = std::find_if(std::begin(entries), std::end(entries),
                                    [name](const Entry& entry) { return name.starts_with(entry.name); });
-  return found == std::end(kEntries) ? nullptr : &found->get();
+  return found == std::end(entries) ? nullptr : &found->get();
 }
 
 std::size_t ButtonPath::index() const {

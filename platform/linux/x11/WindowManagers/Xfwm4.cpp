@@ -10,8 +10,8 @@ class Xfwm4 final : public WindowManager {
  public:
   std::size_t depth() const override { return 2; }
   std::optional<ButtonRole> roleOf(const ButtonPath& path) const override {
-    constexpr std::uint32_t kButtonMask = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
-    constexpr std::size_t kButtons = 6;
+    constexpr std::uint32_t buttonMask = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
+    constexpr std::size_t buttonCount = 6;
     std::vector<xcb_get_window_attributes_cookie_t> cookies;
     cookies.reserve(path.siblings.size());
     for (const xcb_window_t window : path.siblings) {
@@ -20,9 +20,9 @@ class Xfwm4 final : public WindowManager {
     std::vector<xcb_window_t> buttons;
     for (std::size_t i = 0; i < cookies.size(); ++i) {
       const auto attributes = path.connection.reply(xcb_get_window_attributes_reply, cookies[i]);
-      if (attributes && attributes->all_event_masks == kButtonMask) buttons.push_back(path.siblings[i]);
+      if (attributes && attributes->all_event_masks == buttonMask) buttons.push_back(path.siblings[i]);
     }
-    if (buttons.size() != kButtons) return std::nullopt;
+    if (buttons.size() != buttonCount) return std::nullopt;
     if (path.leaf() == buttons[3]) return ButtonRole::Minimize;
     if (path.leaf() == buttons[4]) return ButtonRole::Zoom;
     if (path.leaf() == buttons[5]) return ButtonRole::Close;
