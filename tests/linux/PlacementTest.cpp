@@ -97,4 +97,13 @@ TEST_F(Placements, WhatIsRefusedIsNotExpectedForLong) {
   EXPECT_TRUE(waitFor([&] { return manager.requests().size() == 2; })) << "asked once more";
 }
 
+TEST_F(Placements, EndAtAnyMoment) {
+  using Clock = std::chrono::steady_clock;
+  for (int i = 0; i < 2000; ++i) {
+    const x11::Placement another(x11::Connection::open());
+    // Its thread is just about to start: a little later each time.
+    for (const auto end = Clock::now() + std::chrono::nanoseconds(100 * i); Clock::now() < end;) continue;
+  }
+}
+
 }  // namespace

@@ -162,11 +162,11 @@ Rect Placement::expectedFrame(xcb_window_t client, const Rect& actual) const {
 
 void Placement::run() {
   for (;;) {
+    shared_->wakeup.clear();  // before looking for what it may have been about
     {
       const ns::LockGuard guard(shared_->lock);
       if (shared_->stopped) return;
     }
-    shared_->wakeup.clear();
     takeOrders();  // before the events, which may be the answer to what has been asked already
     while (const Event event = connection_->pollEvent()) handle(*event);
     if (connection_->isBroken()) return;
