@@ -14,6 +14,7 @@
 #include "bench/Program.h"
 #include "platform/linux/freedesktop/SessionSocket.h"
 #include "tests/desktop/DesktopSession.h"
+#include "tests/support/ProcessFiles.h"
 
 namespace {
 
@@ -83,10 +84,10 @@ void open(desktoptest::DesktopSession& session, const x11::Connection& connectio
 class Memory {
  public:
   void add(pid_t program) {
-    const auto processes = bench::withChildren(program);
+    const auto processes = support::withChildren(program);
     most_.resize(std::max(most_.size(), processes.size()));
     for (std::size_t i = 0; i < processes.size(); ++i) {
-      const auto kilobytes = bench::number(bench::folder(processes[i]) / "smaps_rollup", "Rss:");
+      const auto kilobytes = support::number(support::folder(processes[i]) / "smaps_rollup", "Rss:");
       most_[i] = std::max(most_[i], static_cast<double>(kilobytes) / 1024);
     }
   }

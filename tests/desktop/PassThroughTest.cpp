@@ -1,23 +1,15 @@
 // Everything that people do with the first mouse button but clicking a title-bar button works as ever.
-#include <filesystem>
-#include <fstream>
-
 #include "tests/desktop/DesktopTest.h"
+#include "tests/support/ProcessFiles.h"
 
 namespace desktoptest {
 namespace {
 
 /// How often the thread of that name has woken up; 0 when there is none.
 long wakeUps(pid_t process, const std::string& thread) {
-  for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
-    std::ifstream status(task.path() / "status");
-    long count = 0;
-    bool isWanted = false;
-    for (std::string key, value; status >> key && std::getline(status >> std::ws, value);) {
-      if (key == "Name:") isWanted = value == thread;
-      if (key == "voluntary_ctxt_switches:") count = std::stol(value);
-    }
-    if (isWanted) return count;
+  for (const auto& task : std::filesystem::directory_iterator(support::folder(process) / "task")) {
+    if (support::name(task.path()) == thread)
+      return support::number(task.path() / "status", "voluntary_ctxt_switches:");
   }
   return 0;
 }
