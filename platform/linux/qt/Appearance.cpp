@@ -148,6 +148,10 @@ int textDirection(const QString& text) {
   return text.isRightToLeft() ? int{Qt::TextForceRightToLeft} : int{Qt::TextForceLeftToRight};
 }
 
+int textAtSide(const QString& text, bool isRight) {
+  return int{Qt::AlignAbsolute} | (isRight ? int{Qt::AlignRight} : int{Qt::AlignLeft}) | textDirection(text);
+}
+
 QFont font(const ns::Font& font) {
   QFont result(family());
   result.setPixelSize(static_cast<int>(font.pointSize + 0.5));

@@ -37,5 +37,7 @@ QFont font(const ns::Font& font);
 
 /// The painter's flag by which `text` runs as its own script does, whichever way the interface is written.
 int textDirection(const QString& text);
+/// That and the flags by which `text` stands at this side, whichever way the interface is written.
+int textAtSide(const QString& text, bool isRight);
 
 }  // namespace qt

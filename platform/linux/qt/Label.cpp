@@ -43,10 +43,8 @@ struct LabelNative final : TextNative {
   int textFlags() const {
     const bool isMirrored = QGuiApplication::layoutDirection() == Qt::RightToLeft;
     const bool isRight = alignment == ns::TextAlignment::Right || isMirrored;
-    int flags = int{Qt::AlignAbsolute} | int{Qt::AlignTop};
-    flags |= isRight ? int{Qt::AlignRight} : int{Qt::AlignLeft};
-    flags |= wraps ? int{Qt::TextWordWrap} : int{Qt::TextSingleLine};
-    return flags | qt::textDirection(content);
+    const int lines = wraps ? int{Qt::TextWordWrap} : int{Qt::TextSingleLine};
+    return qt::textAtSide(content, isRight) | Qt::AlignTop | lines;
   }
 
   void paint(QPainter& painter, const QRectF& bounds) override {

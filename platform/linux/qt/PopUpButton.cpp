@@ -55,8 +55,7 @@ struct PopUpNative final : qt::ControlNative {
     painter.setFont(font());
     painter.setPen(qt::color(Color::labelColor()));
     const QString title = QFontMetricsF(font()).elidedText(selectedTitle(), Qt::ElideRight, room);
-    const int side = int{Qt::AlignAbsolute} | (isMirrored ? int{Qt::AlignRight} : int{Qt::AlignLeft});
-    painter.drawText(text, side | Qt::AlignVCenter | Qt::TextSingleLine | qt::textDirection(title), title);
+    painter.drawText(text, qt::textAtSide(title, isMirrored) | Qt::AlignVCenter | Qt::TextSingleLine, title);
   }
 
   QString selectedTitle() const {

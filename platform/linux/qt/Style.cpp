@@ -68,14 +68,12 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
   painter.setFont(item.font);
   painter.setPen(text);
   const int start = titleStart(item);
-  const int flags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic | Qt::AlignAbsolute;
+  const int flags = Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextHideMnemonic;
   const QRect room = placed(start, item.rect.width() - start - itemInset - textInset);
-  painter.drawText(room, flags | (isMirrored ? Qt::AlignRight : Qt::AlignLeft) | textDirection(parts.front()),
-                   parts.front());
+  painter.drawText(room, flags | textAtSide(parts.front(), isMirrored), parts.front());
   if (parts.size() < 2) return;
   if (!isChosen) painter.setPen(color(ns::Color::secondaryLabelColor()));
-  painter.drawText(room, flags | (isMirrored ? Qt::AlignLeft : Qt::AlignRight) | textDirection(parts.back()),
-                   parts.back());
+  painter.drawText(room, flags | textAtSide(parts.back(), !isMirrored), parts.back());
 }
 
 void paintButton(QPainter& painter, const QStyleOptionButton& button) {
