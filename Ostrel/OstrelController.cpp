@@ -46,7 +46,10 @@ bool OstrelController::startIfPossible() {
     lastError_ = "waiting for Accessibility";
     return false;
   }
+  // A tap can end without a notice, over sleep or a restart of the desktop.
+  if (eventTap_ && !CFMachPortIsValid(eventTap_.get())) stop();
   if (eventTap_) {
+    if (!CGEventTapIsEnabled(eventTap_.get())) CGEventTapEnable(eventTap_.get(), true);
     lastError_.reset();
     return true;
   }
@@ -92,7 +95,9 @@ CGEventRef ostrelEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef 
 
 CGEventRef OstrelController::handleEvent(CGEventType type, CGEventRef event) {
   if (isTapDisabledNotice(type)) {
-    if (eventTap_) CGEventTapEnable(eventTap_.get(), true);
+    // Without consent it stays off until the next start: macOS lets every click wait for a tap whose process is no
+    // longer trusted, and one that comes on again at each notice takes the mouse from the whole desktop.
+    if (eventTap_ && AXIsProcessTrusted()) CGEventTapEnable(eventTap_.get(), true);
     return event;
   }
   if (!isEnabled_) return event;

@@ -34,7 +34,8 @@ class OstrelController : public std::enable_shared_from_this<OstrelController> {
 
   // --- Lifecycle (OstrelController.cpp) ---
 
-  /// Installs the event tap unless it is installed. True when it is installed on return; otherwise lastError tells why.
+  /// Installs the event tap unless it is installed, anew when it has died, and enables it when the system has disabled
+  /// it. True when it is installed on return; otherwise lastError tells why.
   bool startIfPossible();
   /// Takes the tap down. Does nothing when there is none; never touches lastError.
   void stop();
@@ -104,7 +105,7 @@ class OstrelController : public std::enable_shared_from_this<OstrelController> {
   bool isEnabled_ = true;
   std::optional<std::string> lastError_;
   const CFRef<AXUIElementRef> systemWideElement_;
-  /// Both present (installed, on the main run loop, enabled) or both absent.
+  /// Both present (installed, on the main run loop) or both absent.
   CFRef<CFMachPortRef> eventTap_;
   CFRef<CFRunLoopSourceRef> runLoopSource_;
 };

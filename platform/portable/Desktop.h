@@ -70,6 +70,8 @@ class EventTap {
   virtual ~EventTap() = default;
   virtual void setEnabled(bool enabled) = 0;
   virtual bool isEnabled() const = 0;
+  /// False once the desktop has dropped the tap for good: it delivers nothing more, whether enabled or not.
+  virtual bool isValid() const { return true; }
 };
 /// Called on the main thread; true passes the event on, false swallows it.
 using EventTapHandler = std::function<bool(const MouseDown&)>;

@@ -59,7 +59,7 @@ class MachPort final : public cf::Object {
     return tap_ != nullptr;
   }
 
-  bool isValid() const { return tap_ != nullptr; }
+  bool isValid() const { return tap_ != nullptr && tap_->isValid(); }
   desktop::EventTap* tap() const { return tap_.get(); }
   void setScheduled(bool isScheduled) { receiver_->isScheduled = isScheduled && isValid(); }
 

@@ -130,6 +130,14 @@ bool SimulatedDesktop::disableTaps(CGEventType notice) {
   return passes;
 }
 
+void SimulatedDesktop::silenceTaps() {
+  for (SimulatedTap* tap : taps_) tap->setEnabled(false);
+}
+
+void SimulatedDesktop::dropTaps() {
+  for (SimulatedTap* tap : std::exchange(taps_, {})) tap->drop();
+}
+
 bool SimulatedDesktop::isHidden(pid_t pid) const {
   const auto attributes = applicationAttributes_.find(pid);
   if (attributes == applicationAttributes_.end()) return false;

@@ -70,6 +70,10 @@ class SimulatedDesktop final : public desktop::Desktop {
   /// Disables every tap and tells it why: kCGEventTapDisabledByTimeout or -ByUserInput. True when the notice was passed
   /// on by all.
   bool disableTaps(CGEventType notice);
+  /// Disables every tap without a notice.
+  void silenceTaps();
+  /// Drops every tap for good, without a notice either.
+  void dropTaps();
 
   // --- Reading it ---
 

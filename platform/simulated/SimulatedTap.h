@@ -17,6 +17,8 @@ class SimulatedTap final : public desktop::EventTap {
 
   void setEnabled(bool enabled) override { isEnabled_ = enabled; }
   bool isEnabled() const override { return isEnabled_; }
+  bool isValid() const override { return isValid_; }
+  void drop() { isValid_ = isEnabled_ = false; }
   bool wants(CGEventType type) const { return isEnabled_ && (mask_ & CGEventMaskBit(type)) != 0; }
   bool deliver(const desktop::MouseDown& mouseDown) const { return handler_(mouseDown); }
 
@@ -25,6 +27,7 @@ class SimulatedTap final : public desktop::EventTap {
   const CGEventMask mask_;
   const desktop::EventTapHandler handler_;
   bool isEnabled_ = false;
+  bool isValid_ = true;
 };
 
 }  // namespace simulated

@@ -109,11 +109,45 @@ TEST_F(TapTest, PassesWithoutAskingAnybody) {
 
 TEST_F(TapTest, TurnsItselfOnAgainWhenTheSystemDisablesIt) {
   for (const CGEventType notice : {kCGEventTapDisabledByTimeout, kCGEventTapDisabledByUserInput}) {
-    // A notice counts even when nothing else does.
-    desktop.isTrusted = false;
     EXPECT_TRUE(desktop.disableTaps(notice));
     EXPECT_EQ(desktop.enabledTapCount(), 1U);
   }
+  desktop.silenceTaps();
+  EXPECT_TRUE(controller->startIfPossible());
+  EXPECT_EQ(desktop.enabledTapCount(), 1U);
+  EXPECT_EQ(desktop.tapCount(), 1U);
+  EXPECT_FALSE(click("green"));
+}
+
+TEST_F(TapTest, StaysOffWithoutConsentUntilItIsBack) {
+  for (const CGEventType notice : {kCGEventTapDisabledByTimeout, kCGEventTapDisabledByUserInput}) {
+    desktop.isTrusted = false;
+    EXPECT_TRUE(desktop.disableTaps(notice));
+    EXPECT_EQ(desktop.enabledTapCount(), 0U) << "on again, it would hold the next click until that timed out too";
+    EXPECT_TRUE(controller->isTapInstalled());
+
+    desktop.isTrusted = true;
+    EXPECT_TRUE(controller->startIfPossible());
+    EXPECT_EQ(desktop.enabledTapCount(), 1U);
+    EXPECT_FALSE(click("yellow"));
+  }
+}
+
+TEST_F(TapTest, MadeAnewWhenItHasDied) {
+  const std::size_t objects = cf::liveObjects();
+  desktop.dropTaps();
+  EXPECT_TRUE(click("green"));
+  desktop.refusesTap = true;
+  EXPECT_FALSE(controller->startIfPossible());
+  EXPECT_FALSE(controller->isTapInstalled());
+  EXPECT_EQ(controller->lastError(), "event tap could not start");
+
+  desktop.refusesTap = false;
+  EXPECT_TRUE(controller->startIfPossible());
+  EXPECT_EQ(controller->lastError(), std::nullopt);
+  EXPECT_EQ(desktop.enabledTapCount(), 1U);
+  EXPECT_FALSE(click("green"));
+  EXPECT_EQ(cf::liveObjects(), objects);
 }
 
 TEST_F(TapTest, ClickOnAHungApplicationIsPassedOnAndTheNextOneWorks) {
