@@ -9,7 +9,9 @@
 #include <QTimer>
 #include <algorithm>
 #include <atomic>
+#include <thread>
 
+#include "platform/RunLoop.h"
 #include "tests/support/XvfbSession.h"
 
 namespace {
@@ -89,10 +91,17 @@ class EventTapTest : public testing::Test {
   Hands hands;
   JournalWindow window{100, 100, 600, 400};
 
+  /// As the controller does: the action is queued for later, and the press swallowed.
+  bool act() {
+    ns::dispatchAsyncOnMainQueue([this] { ++actions; });
+    return false;
+  }
+
   std::function<bool()> answer = [] { return true; };
   std::atomic<bool> interesting = true;
   std::vector<desktop::MouseDown> seen;
   int notices = 0;
+  int actions = 0;
   std::unique_ptr<desktop::EventTap> tap;
 };
 
@@ -137,7 +146,7 @@ TEST_F(EventTapTest, MissedDeadlinePassesTheClickOnAndDisablesTheTap) {
   answer = [&] {
     window.journalOf(1);  // the main thread is stuck here until the press has been passed on
     enabledWhenLate = tap->isEnabled();
-    return false;
+    return act();
   };
   startTap();
   hands.click();
@@ -146,11 +155,36 @@ TEST_F(EventTapTest, MissedDeadlinePassesTheClickOnAndDisablesTheTap) {
   EXPECT_FALSE(enabledWhenLate);
   EXPECT_TRUE(tap->isEnabled()) << "the handler has enabled it again";
 
-  answer = [] { return false; };
+  answer = [this] { return act(); };
   hands.click();
-  ASSERT_TRUE(runUntil([&] { return seen.size() == 2; }));
+  ASSERT_TRUE(runUntil([&] { return actions > 0; }));
   EXPECT_EQ(window.journal().size(), 2U) << "the late answer must not spoil the next one";
   EXPECT_EQ(notices, 1);
+  EXPECT_EQ(seen.size(), 2U) << "only the second press was acted upon";
+  EXPECT_EQ(actions, 1);
+}
+
+TEST_F(EventTapTest, PressIsNotActedOnWhenTheServerAnswersNobodyInTime) {
+  answer = [this] {
+    window.connection().synchronise();  // as any question to the server would, this lasts as long as the grab
+    return act();
+  };
+  startTap();
+  xcb_grab_server(hands.connection().get());
+  hands.click();
+  std::thread grabber([this] {
+    while (tap->isEnabled()) std::this_thread::yield();
+    xcb_ungrab_server(hands.connection().get());
+    hands.connection().flush();
+  });
+  EXPECT_TRUE(runUntil([&] { return notices == 1; }));
+  grabber.join();
+  EXPECT_TRUE(runUntilJournal({"press1", "release1"}));
+  bool isDone = false;
+  ns::dispatchAsyncOnMainQueue([&isDone] { isDone = true; });  // behind whatever the handler has queued
+  EXPECT_TRUE(runUntil([&isDone] { return isDone; }));
+  EXPECT_EQ(seen.size(), 1U);
+  EXPECT_EQ(actions, 0);
 }
 
 TEST_F(EventTapTest, PressThatOutlivedItsDeadlineIsNotActedOn) {
@@ -223,11 +257,12 @@ TEST_F(EventTapTest, FollowsNumLockToAnotherModifier) {
 TEST_F(EventTapTest, DestroyedInTheMiddleOfAPressItPassesThePressOn) {
   answer = [this] {
     tap.reset();
-    return false;
+    return act();
   };
   startTap();
   hands.click();
   EXPECT_TRUE(runUntilJournal({"press1", "release1"}));
+  EXPECT_EQ(actions, 0);
   hands.click();
   EXPECT_TRUE(runUntilJournal({"press1", "release1", "press1", "release1"})) << "nobody holds a grab any more";
   EXPECT_EQ(seen.size(), 1U);

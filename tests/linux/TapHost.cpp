@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/HelperProcess.h"
+#include "platform/RunLoop.h"
 #include "platform/linux/x11/EventTap.h"
 
 namespace {
@@ -17,8 +18,8 @@ void say(const char* line) {
 
 }  // namespace
 
-/// What its first press does to it: "pass", "stop" (SIGSTOP before the answer), "kill" (SIGKILL before the answer) or
-/// "hang" (the tap's own thread never comes back).
+/// What its first press does to it: "pass", "stop" (SIGSTOP before an answer that swallows it and an action), "kill"
+/// (SIGKILL before the answer) or "hang" (the tap's own thread never comes back).
 int main(int argc, char** argv) {
   ns::startHelperProcess();
   const QCoreApplication application(argc, argv);
@@ -32,7 +33,9 @@ int main(int argc, char** argv) {
         if (mode == "kill") raise(SIGKILL);
         if (mode == "stop") {
           mode = "pass";
+          ns::dispatchAsyncOnMainQueue([] { say("action"); });
           raise(SIGSTOP);
+          return false;
         }
         return true;
       },

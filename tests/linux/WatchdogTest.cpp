@@ -89,7 +89,7 @@ TEST_F(WatchdogTest, FreesTheMouseFromATapStoppedInTheMiddleOfAPress) {
   expectMouseToComeFree();
   EXPECT_EQ(host->readLine(support::patience), "press");
   host->signal(SIGCONT);
-  expectTapToComeBack();
+  expectTapToComeBack();  // and nothing else: the press has gone its way and is not acted upon
 }
 
 TEST_F(WatchdogTest, FreesTheMouseFromATapWhoseThreadHangs) {

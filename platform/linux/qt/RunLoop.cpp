@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "platform/Lock.h"
+#include "platform/linux/HeldTasks.h"
 
 namespace ns {
 namespace {
@@ -72,9 +73,21 @@ class QtTimer final : public Timer {
   QTimer timer_;
 };
 
+thread_local HeldTasks* holder = nullptr;
+
 }  // namespace
 
-void dispatchAsyncOnMainQueue(std::function<void()> task) { MainQueue::shared().push(std::move(task)); }
+HeldTasks::HeldTasks() : outer_(std::exchange(holder, this)) {}
+HeldTasks::~HeldTasks() { holder = outer_; }
+HeldTasks* HeldTasks::current() { return holder; }
+void HeldTasks::release() {
+  for (auto& task : std::exchange(tasks_, {})) MainQueue::shared().push(std::move(task));
+}
+
+void dispatchAsyncOnMainQueue(std::function<void()> task) {
+  if (auto* const held = HeldTasks::current()) return held->add(std::move(task));
+  MainQueue::shared().push(std::move(task));
+}
 
 bool isMainThread() { return gettid() == getpid(); }
 

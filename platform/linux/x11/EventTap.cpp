@@ -10,6 +10,7 @@
 
 #include "platform/Lock.h"
 #include "platform/RunLoop.h"
+#include "platform/linux/HeldTasks.h"
 #include "platform/linux/x11/ButtonGrab.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/Wakeup.h"
@@ -116,9 +117,10 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
     if ((event.state & anyButton) != 0) return;
     const CGPoint position{static_cast<CGFloat>(event.root_x), static_cast<CGFloat>(event.root_y)};
     // Taken over: an old press, read after a long stop, that has gone on its way already.
-    const auto* const watchdog = Watchdog::shared();
-    const bool isTakenOver = watchdog != nullptr && watchdog->hasTakenOver();
-    if (!enabled_ || isTakenOver || !filter_(event.child, position)) return settle(*connection_, event.time, true);
+    if (!enabled_ || isTakenOver() || !filter_(event.child, position)) {
+      settle(*connection_, event.time, true);
+      return;
+    }
     const auto number = ++presses_;
     {
       const ns::LockGuard guard(lock_);
@@ -131,31 +133,48 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
   /// Main thread. Answers the server from here: one change of threads less for the person who waits.
   void decide(std::uint64_t number, const desktop::MouseDown& mouseDown) {
     if (!isPending(number)) return;  // passed on already; to act on it too would be worse than not to act
+    // What the handler queues follows from its answer, so it waits until that answer counts, and is dropped if the
+    // press has gone on its way in the meantime.
+    ns::HeldTasks consequences;
     const bool pass = closed_ || !enabled_ || handler_(mouseDown);
     const auto press = takePending(number);
-    if (!press) return;
-    settle(*press->connection, press->time, pass);
-    wake_.signal();  // sending may also have read events, which poll() then does not report
+    const bool counts = press && settle(*press->connection, press->time, pass);
+    if (pass || counts) consequences.release();
+    if (press) wake_.signal();  // sending may also have read events, which poll() then does not report
   }
 
-  /// Any thread.
-  static void settle(const Connection& connection, xcb_timestamp_t press, bool pass) {
+  static bool isTakenOver() {
+    const auto* const watchdog = Watchdog::shared();
+    return watchdog != nullptr && watchdog->hasTakenOver();
+  }
+
+  /// Any thread. Whether this is the answer that the press gets.
+  static bool settle(const Connection& connection, xcb_timestamp_t press, bool pass) {
     if (pass) {
       replay(connection, press);
     } else {
       swallow(connection, press);
     }
+    // The watchdog says that it takes over before it sends an answer of its own over the same socket. So while it has
+    // not said so, ours is ahead.
+    const bool isFirst = !connection.isBroken() && !isTakenOver();
     if (auto* watchdog = Watchdog::shared()) watchdog->settled(press);
+    return isFirst;
+  }
+
+  /// Whether the press waits for its answer still. Past its deadline it is the tap's thread that gives one.
+  bool isAwaited(std::uint64_t number) const REQUIRES(lock_) {
+    return pending_ && pending_->number == number && Clock::now() < pending_->deadline && !isTakenOver();
   }
 
   bool isPending(std::uint64_t number) {
     const ns::LockGuard guard(lock_);
-    return pending_ && pending_->number == number;
+    return isAwaited(number);
   }
 
   std::optional<Pending> takePending(std::uint64_t number) {
     const ns::LockGuard guard(lock_);
-    return pending_ && pending_->number == number ? std::exchange(pending_, {}) : std::nullopt;
+    return isAwaited(number) ? std::exchange(pending_, {}) : std::nullopt;
   }
 
   /// Gives up on a press whose time is over. Returns how long to wait for the next one, none without end.
@@ -165,6 +184,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
       if (!pending_) return std::nullopt;
       const auto left = std::chrono::ceil<milliseconds>(pending_->deadline - Clock::now());
       if (left > milliseconds(0)) return left;
+      if (isTakenOver()) return std::nullopt;  // the connection is about to end, and lose() mends that
       enabled_ = false;
       settle(*pending_->connection, pending_->time, true);
       pending_.reset();
