@@ -24,4 +24,8 @@ struct PropertyList {
   friend bool operator==(const PropertyList&, const PropertyList&) = default;
 };
 
+/// What a value of any other kind, a date or data, reads as: it is there, but it is no number, and a list that holds it
+/// is no list of dictionaries.
+inline PropertyList foreignValue() { return {Array{}}; }
+
 }  // namespace ns

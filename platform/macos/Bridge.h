@@ -33,8 +33,7 @@ inline std::string fromNSString(NSString* string) {
 }
 
 id toPropertyListObject(const PropertyList& value);
-/// A kind of object that PropertyList does not know (a date, data) reads as an empty dictionary: present, and no
-/// number.
+/// A kind of object that PropertyList does not know (a date, data) reads as foreignValue().
 PropertyList fromPropertyListObject(id object);
 
 /// Calls from the frameworks into our code go through here.

@@ -30,13 +30,14 @@ PropertyList fromPropertyListObject(id object) {
     for (id element in object) array.push_back(fromPropertyListObject(element));
     return {std::move(array)};
   }
-  Dictionary dictionary;
   if ([object isKindOfClass:NSDictionary.class]) {
+    Dictionary dictionary;
     for (id key in object) {
       if ([key isKindOfClass:NSString.class]) dictionary[fromNSString(key)] = fromPropertyListObject(object[key]);
     }
+    return {std::move(dictionary)};
   }
-  return {std::move(dictionary)};
+  return foreignValue();
 }
 
 }  // namespace ns

@@ -44,9 +44,9 @@ class MachPort final : public cf::Object {
     receiver_->callback = callback;
     receiver_->refcon = refcon;
   }
-  ~MachPort() override { invalidate(); }
 
-  /// False when the desktop refuses the tap.
+  /// False when the desktop refuses the tap. From then on the port holds itself, as if the system did: only
+  /// invalidating ends a tap, so that forgetting it does not go unnoticed here.
   bool install(CGEventMask mask) {
     tap_ = Desktop::current().createEventTap(mask, [this, receiver = receiver_](const desktop::MouseDown& mouseDown) {
       if (!receiver->isScheduled) return true;
@@ -56,13 +56,16 @@ class MachPort final : public cf::Object {
       isDelivering_ = wasDelivering;
       return passes;
     });
-    return tap_ != nullptr;
+    if (tap_ == nullptr) return false;
+    retain();
+    return true;
   }
 
   bool isValid() const { return tap_ != nullptr && tap_->isValid(); }
   desktop::EventTap* tap() const { return tap_.get(); }
   void setScheduled(bool isScheduled) { receiver_->isScheduled = isScheduled && isValid(); }
 
+  /// May be the end of the port.
   void invalidate() {
     receiver_->isScheduled = false;
     if (tap_ == nullptr) return;
@@ -73,6 +76,7 @@ class MachPort final : public cf::Object {
     } else {
       tap_.reset();
     }
+    release();
   }
 
  private:
@@ -169,8 +173,8 @@ CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef p
 void CFMachPortInvalidate(CFMachPortRef port) {
   auto* wrapped = cf::asMutable<MachPort>(port);
   if (wrapped == nullptr) return;
-  wrapped->invalidate();
   mainRunLoop().removeSources(*wrapped);
+  wrapped->invalidate();
 }
 
 Boolean CFMachPortIsValid(CFMachPortRef port) {

@@ -151,6 +151,12 @@ std::size_t SimulatedDesktop::enabledTapCount() const {
       std::count_if(taps_.begin(), taps_.end(), [](const SimulatedTap* tap) { return tap->isEnabled(); }));
 }
 
+CGEventMask SimulatedDesktop::tapMask() const {
+  CGEventMask mask = 0;
+  for (const SimulatedTap* tap : taps_) mask |= tap->mask();
+  return mask;
+}
+
 int SimulatedDesktop::count(Call call) const {
   const auto found = counts_.find(call);
   return found != counts_.end() ? found->second : 0;

@@ -81,6 +81,8 @@ class SimulatedDesktop final : public desktop::Desktop {
   bool isHidden(pid_t pid) const;
   std::size_t tapCount() const { return taps_.size(); }
   std::size_t enabledTapCount() const;
+  /// The kinds of events that the taps ask for, together.
+  CGEventMask tapMask() const;
   int promptCount() const { return promptCount_; }
   /// How often a call was made, faults included.
   int count(Call call) const;

@@ -19,6 +19,7 @@ class SimulatedTap final : public desktop::EventTap {
   bool isEnabled() const override { return isEnabled_; }
   bool isValid() const override { return isValid_; }
   void drop() { isValid_ = isEnabled_ = false; }
+  CGEventMask mask() const { return mask_; }
   bool wants(CGEventType type) const { return isEnabled_ && (mask_ & CGEventMaskBit(type)) != 0; }
   bool deliver(const desktop::MouseDown& mouseDown) const { return handler_(mouseDown); }
 

@@ -64,6 +64,11 @@ TEST_F(DisplayCatalogueTest, DisplayThatNoScreenDescribes) {
   }
   desktop.screenList = {{std::nullopt, "Other"}, {ns::PropertyList{5.0}, "First"}, {ns::PropertyList{5.0}, "Second"}};
   EXPECT_EQ(activeDisplays().front().name, "First");
+
+  desktop.setDisplays("5 \"Hidden\" 0,0 100x100 main 7/8/9");
+  desktop.screenList.clear();
+  EXPECT_EQ(activeDisplays().front().name, "Display 5 (main display)");
+  EXPECT_EQ(activeDisplays().front().identityKey, "Display-5-main-display-vendor7-model8-serial9");
 }
 
 TEST_F(DisplayCatalogueTest, EqualMonitorsStandByIdentifier) {

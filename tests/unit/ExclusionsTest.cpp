@@ -82,6 +82,7 @@ TEST_F(ExclusionsTest, ReadsWhatOthersMayHaveStored) {
   } cases[] = {
       {"a text", {std::string("a")}, {}},
       {"not only dictionaries", {ns::Array{good, {std::string("b")}}}, {}},
+      {"a date among them", {ns::Array{good, ns::foreignValue()}}, {}},
       {"a number in a dictionary", {ns::Array{good, entry({{"bundleID", {std::string("b")}}, {"n", {1.0}}})}}, {}},
       {"no identifier, or an empty one",
        {ns::Array{entry({{"name", {std::string("B")}}}), entry({{"bundleID", {std::string()}}}), good}},
@@ -101,6 +102,23 @@ TEST_F(ExclusionsTest, ReadsWhatOthersMayHaveStored) {
   }
   controller->removeExcludedApp("a");
   EXPECT_EQ(controller->excludedApps(), (std::vector<ExcludedApp>{{"B", "B"}}));
+}
+
+TEST_F(ExclusionsTest, EachChangeLeavesAWellFormedList) {
+  const auto stored = [this] { return desktop.defaults()->user.at("behavior.excludedApps"); };
+  const ns::PropertyList viewer = entry({{"bundleID", {std::string("b")}}, {"name", {std::string("Viewer")}}});
+  const ns::PropertyList editor =
+      entry({{"bundleID", {std::string("org.example.editor")}}, {"name", {std::string("editor")}}});
+  store("behavior.excludedApps", {ns::Array{viewer, editor}});
+  EXPECT_EQ(controller->excludedPIDs(), PIDs{});
+  controller->removeExcludedApp("org.unknown");
+  EXPECT_EQ(stored(), (ns::PropertyList{ns::Array{editor, viewer}}));
+  EXPECT_EQ(controller->excludedPIDs(), PIDs{editorPID});
+
+  store("behavior.excludedApps", {ns::Array{editor, {1.0}}});
+  controller->addExcludedApp({"b", "Viewer"});
+  EXPECT_EQ(stored(), ns::PropertyList{ns::Array{viewer}});
+  EXPECT_EQ(controller->excludedPIDs(), PIDs{});
 }
 
 TEST_F(ExclusionsTest, RefreshFromAnotherThreadRunsOnTheMainOne) {

@@ -78,6 +78,14 @@ TEST_F(TapTest, SwallowsAWindowButtonClickAndActsAfterwards) {
   EXPECT_EQ(desktop.frame("window"), CGRectMake(400, 80, 640, 480));
 }
 
+TEST_F(TapTest, AsksForMouseDownsOnlyAndPassesTheRightOnesOn) {
+  EXPECT_EQ(desktop.tapMask(), CGEventMask{0xA}) << "whatever else it asks for is held up, too";
+  for (const char* button : {"red", "yellow", "green"}) {
+    EXPECT_TRUE(desktop.click(button, 0, kCGEventRightMouseDown));
+  }
+  EXPECT_EQ(RunLoop::pendingCount(), 0U);
+}
+
 TEST_F(TapTest, PassesWithoutAskingAnybody) {
   const struct {
     const char* why;

@@ -22,12 +22,28 @@ TEST_F(MarginStoreTest, BelongToTheDisplayInItsConfiguration) {
   EXPECT_EQ(controller->margins(1), own);
   const std::string key = "Built-in-Display-main-display-vendor610-model160-serial0";
   EXPECT_EQ(desktop.defaults()->doubleForKey("margins.configuration." + key + ".display." + key + ".right"), 3.5);
+}
 
-  desktop.setDisplays("1 \"Built-in Display\" 0,0 1440x900 main 610/160/0\n2 \"Second\" 1440,0 800x600");
-  EXPECT_NE(controller->margins(1), own);
-  controller->updateMargins({9, 9, 9, 9}, 1);
-  desktop.setDisplays(R"(1 "Built-in Display" 0,0 1440x900 main 610/160/0)");
-  EXPECT_EQ(controller->margins(1), own);
+TEST_F(MarginStoreTest, AnotherConfigurationStartsFromTheOlderLevels) {
+  constexpr const char* alone = "1 \"A\" 0,0 1440x900 main 610/160/0";
+  constexpr const char* together = "1 \"A\" 0,0 1440x900 main 610/160/0\n2 \"B\" 1440,0 800x600 1/2/3";
+  constexpr const char* otherMain = "1 \"A\" 0,0 1440x900 610/160/0\n2 \"B\" 1440,0 800x600 main 1/2/3";
+  const WindowMargins own{1, 2, 3, 4};
+  for (const auto& [before, after] : {std::pair(alone, together), std::pair(together, otherMain)}) {
+    SCOPED_TRACE(after);
+    desktop.defaults()->user.clear();
+    store("margins.display.1.left", {20.0});
+    store("margins.left", {10.0});
+    store("margins.right", {11.0});
+    desktop.setDisplays(before);
+    controller->updateMargins(own, 1);
+
+    desktop.setDisplays(after);
+    EXPECT_EQ(controller->margins(1), (WindowMargins{56, 20, 11, 32}));
+    controller->updateMargins({9, 9, 9, 9}, 1);
+    desktop.setDisplays(before);
+    EXPECT_EQ(controller->margins(1), own);
+  }
 }
 
 TEST_F(MarginStoreTest, InactiveDisplaysHaveTheirOwnOlderKeys) {

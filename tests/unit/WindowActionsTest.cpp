@@ -101,6 +101,11 @@ TEST_F(WindowActionsTest, HidingFallsBackStepByStep) {
 
   desktop.inject({.call = Call::ProcessIdentifier, .error = kAXErrorFailure});
   EXPECT_EQ(writesOfClick(), std::vector(steps.begin() + 2, steps.end()));
+
+  // A process that no application is known for may still obey its element.
+  desktop.clearFaults();
+  desktop.elements().named("window").pid = 777;
+  EXPECT_EQ(writesOfClick(), std::vector<std::string>{"set application-777 AXHidden true"});
 }
 
 }  // namespace
