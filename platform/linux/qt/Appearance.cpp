@@ -36,16 +36,17 @@ constexpr Shade shadeOf(ns::ColorName name) {
     case ns::ColorName::SecondaryLabel:
       return {black(0.56), white(0.58)};
     case ns::ColorName::Separator:
-      return {black(0.12), white(0.14)};
+      return {black(0.17), white(0.20)};
     case ns::ColorName::WindowBackground:
       return {0xFFF1F1F3, 0xFF232326};
     case ns::ColorName::ControlBackground:
       return {0xFFFFFFFF, 0xFF2E2E32};
     case ns::ColorName::ControlAccent:
+      return {0xFF0A70E8, 0xFF4C9BFF};
     case ns::ColorName::SystemBlue:
       return {0xFF0A74F0, 0xFF2B86F5};
     case ns::ColorName::SystemOrange:
-      return {0xFFC25E00, 0xFFFF9F0A};
+      return {0xFFB45600, 0xFFFF9F0A};
   }
   return {};
 }
@@ -62,8 +63,14 @@ constexpr Shade shadeOf(ControlColor part) {
       return {black(0.28), white(0.06)};
     case ControlColor::Field:
       return {0xFFFFFFFF, white(0.07)};
+    case ControlColor::AccentFill:
+      return {0xFF0A70E8, 0xFF1F72E3};
+    case ControlColor::Divider:
+      return {black(0.10), white(0.12)};
     case ControlColor::Track:
       return {black(0.13), white(0.18)};
+    case ControlColor::TrackEdge:
+      return {black(0.43), white(0.36)};
     case ControlColor::Knob:
       return {0xFFFFFFFF, 0xFFF2F2F5};
     case ControlColor::Glyph:
@@ -100,7 +107,7 @@ QPalette palette() {
   result.setColor(QPalette::PlaceholderText, color(ns::Color::secondaryLabelColor()));
   result.setColor(QPalette::Button, isDark() ? QColor(0x3A, 0x3A, 0x3E) : QColor(0xFB, 0xFB, 0xFC));
   result.setColor(QPalette::ToolTipBase, color(ControlColor::Menu));
-  result.setColor(QPalette::Highlight, accent);
+  result.setColor(QPalette::Highlight, color(ControlColor::AccentFill));
   result.setColor(QPalette::HighlightedText, Qt::white);
   result.setColor(QPalette::Link, accent);
   return result;
@@ -143,6 +150,13 @@ QColor color(ns::Color color) {
 }
 
 QColor color(ControlColor part) { return resolve(shadeOf(part)); }
+
+QColor fillColor(ns::Color color) {
+  if (color.name() != ns::ColorName::ControlAccent) return qt::color(color);
+  QColor result = qt::color(ControlColor::AccentFill);
+  result.setAlphaF(static_cast<float>(color.alphaComponent()));
+  return result;
+}
 
 int textDirection(const QString& text) {
   return text.isRightToLeft() ? int{Qt::TextForceRightToLeft} : int{Qt::TextForceLeftToRight};

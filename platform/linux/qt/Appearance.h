@@ -16,7 +16,12 @@ enum class ControlColor {
   Edge,
   LowerEdge,
   Field,
+  /// The accent beneath white text: in the dark scheme the accent that can be read on a card is too light for that.
+  AccentFill,
+  /// Lines between rows; no stronger than the border of the card around them.
+  Divider,
   Track,
+  TrackEdge,
   Knob,
   Glyph,
   FocusRing,
@@ -32,6 +37,8 @@ bool isDark();
 /// As it is now: ask again at each painting.
 QColor color(ns::Color color);
 QColor color(ControlColor part);
+/// Of an area that something is written on.
+QColor fillColor(ns::Color color);
 /// A size of one point is one pixel at 1x.
 QFont font(const ns::Font& font);
 

@@ -11,9 +11,18 @@ namespace {
 using Native = ns::View::Native;
 
 void collect(Native& native, std::vector<Native*>& found) {
-  if (!native.widget->isVisible()) return;
+  // In a closed window, too: it may be about to be opened.
+  if (!native.widget->isVisibleTo(native.widget->window())) return;
   if (native.canFocus()) found.push_back(&native);
   for (const auto& subview : native.subviews) collect(subview->native(), found);
+}
+
+/// The tabs of the window that `tab` is in: all of it, since the last one may stand apart from the others.
+std::vector<Native*> tabsBeside(Native& tab) {
+  std::vector<Native*> tabs;
+  collect(tab.root(), tabs);
+  std::erase_if(tabs, [](const Native* one) { return !one->isAccessibilityButton; });
+  return tabs;
 }
 
 void reveal(const Native& native) {
@@ -62,12 +71,15 @@ bool moveFocus(Native& root, bool forward) {
   return true;
 }
 
+void followChosenTab(Native& tab) {
+  const auto tabs = tabsBeside(tab);
+  const bool isAtOther = std::ranges::any_of(tabs, [&](const Native* one) { return one != &tab && hasFocus(*one); });
+  if (isAtOther) focus(tab, Qt::OtherFocusReason);
+}
+
 bool chooseTabByKey(Native& tab, int key) {
   if (key != Qt::Key_Up && key != Qt::Key_Down) return false;
-  // All of the window: the last one may stand apart from the others.
-  std::vector<Native*> tabs;
-  collect(tab.root(), tabs);
-  std::erase_if(tabs, [](const Native* one) { return !one->isAccessibilityButton; });
+  const auto tabs = tabsBeside(tab);
   const auto current = std::ranges::find(tabs, &tab);
   if (current == tabs.end()) return false;
   const bool isEnd = key == Qt::Key_Up ? current == tabs.begin() : current + 1 == tabs.end();

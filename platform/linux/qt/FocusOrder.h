@@ -15,6 +15,9 @@ bool hasFocus(const ns::View::Native& native);
 /// Gives the keyboard to the view and scrolls it into sight.
 void focus(ns::View::Native& native, Qt::FocusReason reason);
 
+/// Lets the keyboard follow when `tab` is chosen by other means: if it was at another tab of the window, it goes there.
+void followChosenTab(ns::View::Native& tab);
+
 /// In a list of tabs the arrow keys choose the one above or below. True when `tab` is in one and the key is an arrow.
 bool chooseTabByKey(ns::View::Native& tab, int key);
 

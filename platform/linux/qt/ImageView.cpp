@@ -45,7 +45,7 @@ struct ImageViewNative final : View::Native {
 
 struct SeparatorNative final : View::Native {
   void paint(QPainter& painter, const QRectF& bounds) override {
-    painter.fillRect(bounds, qt::color(Color::separatorColor()));
+    painter.fillRect(bounds, qt::color(qt::ControlColor::Divider));
   }
   qt::AccessibleFacts accessibleFacts() const override {
     auto facts = Native::accessibleFacts();

@@ -2,6 +2,8 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QTextDocument>
+#include <QTextLayout>
 #include <cmath>
 
 #include "platform/linux/qt/Appearance.h"
@@ -10,6 +12,8 @@
 
 namespace qt {
 namespace {
+
+constexpr QChar controlSign(0x2303);
 
 struct LabelNative final : TextNative {
   LabelNative(const std::string& initial, bool isWrapping)
@@ -47,13 +51,58 @@ struct LabelNative final : TextNative {
     return qt::textAtSide(content, isRight) | Qt::AlignTop | lines;
   }
 
+  bool truncates() const { return !wraps && lineBreakMode == ns::LineBreakMode::TruncatingTail; }
+
+  /// What is cut off can be read in a tool tip.
+  void laidOut() override {
+    const bool isCutOff = truncates() && *naturalWidth() > frame.width();
+    // Made plain, for a name may look like markup.
+    widget->setToolTip(isCutOff ? Qt::convertFromPlainText(content) : QString());
+  }
+
   void paint(QPainter& painter, const QRectF& bounds) override {
     const QFont own = qt::font(font);
     painter.setFont(own);
     painter.setPen(qt::color(textColor));
-    const bool isElided = !wraps && lineBreakMode == ns::LineBreakMode::TruncatingTail;
+    if (wraps && content.contains(controlSign)) {
+      paintWithControlSigns(painter, bounds);
+      return;
+    }
     painter.drawText(bounds, textFlags(),
-                     isElided ? QFontMetricsF(own).elidedText(content, Qt::ElideRight, bounds.width()) : content);
+                     truncates() ? QFontMetricsF(own).elidedText(content, Qt::ElideRight, bounds.width()) : content);
+  }
+
+  /// Fonts draw the sign of the Control key tiny and high, beside the signs of the other keys: here it is as large as
+  /// they are.
+  void paintWithControlSigns(QPainter& painter, const QRectF& bounds) const {
+    QTextLayout layout(content, painter.font());
+    layout.setTextOption(QTextOption(Qt::Alignment(textFlags()) & Qt::AlignHorizontal_Mask));
+    QList<QTextLayout::FormatRange> hidden;
+    for (qsizetype at = content.indexOf(controlSign); at >= 0; at = content.indexOf(controlSign, at + 1)) {
+      hidden.append({static_cast<int>(at), 1, {}});
+      hidden.back().format.setForeground(Qt::transparent);
+    }
+    layout.setFormats(hidden);
+    const QFontMetricsF metrics(painter.font());
+    double height = 0;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+      line.setLineWidth(bounds.width());
+      line.setPosition({0, height});
+      height += line.height() + metrics.leading();
+    }
+    layout.endLayout();
+    layout.draw(&painter, bounds.topLeft());
+
+    const double half = metrics.capHeight() / 2;
+    painter.setPen(QPen(painter.pen().color(), painter.font().pixelSize() * 0.1));
+    for (const auto& sign : hidden) {
+      const QTextLine line = layout.lineForTextPosition(sign.start);
+      const double x = (line.cursorToX(sign.start) + line.cursorToX(sign.start + 1)) / 2;
+      const QPointF middle = bounds.topLeft() + QPointF(x, line.y() + line.ascent() - half);
+      painter.drawPolyline(QPolygonF{middle + QPointF(-half, half / 2), middle - QPointF(0, half / 2),
+                                     middle + QPointF(half, half / 2)});
+    }
   }
 
   void setText(const QString& wanted) override {

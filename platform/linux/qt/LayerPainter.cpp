@@ -1,5 +1,6 @@
 #include "platform/linux/qt/LayerPainter.h"
 
+#include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -12,22 +13,38 @@
 namespace qt {
 namespace {
 
-/// A blurred rounded rectangle, as rings that add up to a smooth fall-off.
+/// How far a shadow reaches beyond what casts it, its offset apart.
+double shadowReach(const ns::Shadow& shadow) { return 2 * shadow.radius; }
+
+/// How far a point is outside a rounded rectangle around the origin; negative inside.
+double distanceFrom(QPointF point, QSizeF size, double cornerRadius) {
+  const double across = std::abs(point.x()) - size.width() / 2 + cornerRadius;
+  const double down = std::abs(point.y()) - size.height() / 2 + cornerRadius;
+  return std::min(std::max(across, down), 0.0) + std::hypot(std::max(across, 0.0), std::max(down, 0.0)) - cornerRadius;
+}
+
+/// A blurred rounded rectangle, pixel by pixel: of the few shades that a faint shadow has, none may be left out, or one
+/// sees their edges.
 void paintShadow(QPainter& painter, const ns::Shadow& shadow, const QRectF& bounds, double cornerRadius) {
-  QColor tint = color(shadow.color);
-  const double reach = 2 * shadow.radius;
-  constexpr int rings = 12;
-  // Rings lie over each other, so that each adds the same small part of what the middle has.
-  const double whole = tint.alphaF() * shadow.opacity;
-  tint.setAlphaF(static_cast<float>(1 - std::pow(1 - std::min(whole, 0.99), 1.0 / rings)));
-  painter.setPen(Qt::NoPen);
-  painter.setBrush(tint);
+  const double reach = shadowReach(shadow);
+  // So that it has faded where it is cut off.
+  const double spread = 0.8 * shadow.radius;
   const QRectF base = bounds.translated(shadow.offset.width, -shadow.offset.height);
-  for (int ring = 0; ring < rings; ++ring) {
-    const double grow = reach * (1 - 2 * (ring + 0.5) / rings) * 0.75;
-    const double radius = std::max(0.0, cornerRadius + grow);
-    painter.drawRoundedRect(base.adjusted(-grow, -grow, grow, grow), radius, radius);
+  const QRectF area = base.adjusted(-reach, -reach, reach, reach);
+  const double ratio = painter.device()->devicePixelRatioF();
+  QImage picture((area.size() * ratio).toSize(), QImage::Format_ARGB32);
+  picture.setDevicePixelRatio(ratio);
+  const QColor tint = color(shadow.color);
+  const double whole = 255 * tint.alphaF() * shadow.opacity;
+  for (int y = 0; y < picture.height(); ++y) {
+    auto* const line = reinterpret_cast<QRgb*>(picture.scanLine(y));
+    for (int x = 0; x < picture.width(); ++x) {
+      const QPointF fromCenter = area.topLeft() + QPointF(x + 0.5, y + 0.5) / ratio - base.center();
+      const double share = std::erfc(distanceFrom(fromCenter, base.size(), cornerRadius) / spread / M_SQRT2) / 2;
+      line[x] = qRgba(tint.red(), tint.green(), tint.blue(), static_cast<int>(whole * share + 0.5));
+    }
   }
+  painter.drawImage(area.topLeft(), picture);
 }
 
 void paintGradient(QPainter& painter, const ns::GradientLayer& gradient) {
@@ -53,7 +70,7 @@ void paintLayer(QPainter& painter, const ns::Layer& layer, const QRectF& bounds)
   if (layer.shadow) paintShadow(painter, *layer.shadow, bounds, layer.cornerRadius);
   if (layer.backgroundColor) {
     painter.setPen(Qt::NoPen);
-    painter.setBrush(color(*layer.backgroundColor));
+    painter.setBrush(fillColor(*layer.backgroundColor));
     painter.drawRoundedRect(bounds, layer.cornerRadius, layer.cornerRadius);
   }
   if (layer.sublayer) paintGradient(painter, *layer.sublayer);
@@ -70,7 +87,7 @@ int shadowReach(const ns::Layer& layer) {
   if (!layer.shadow) return 0;
   const auto& shadow = *layer.shadow;
   return static_cast<int>(
-      std::ceil(2 * shadow.radius + std::max(std::abs(shadow.offset.width), std::abs(shadow.offset.height))));
+      std::ceil(shadowReach(shadow) + std::max(std::abs(shadow.offset.width), std::abs(shadow.offset.height))));
 }
 
 void clipToAncestors(QPainter& painter, const ViewWidget& widget) {
@@ -79,9 +96,13 @@ void clipToAncestors(QPainter& painter, const ViewWidget& widget) {
     if (!ancestor || !ancestor->native()) return;
     const auto& layer = ancestor->native()->layer;
     if (!layer.masksToBounds || layer.cornerRadius <= 0) continue;
-    const QRectF bounds = ancestor->contentBounds().translated(-QPointF(widget.mapTo(parent, QPoint())));
-    // Away from the corners the widgets' own clipping does.
-    const double radius = layer.cornerRadius;
+    // Inside the border, which would otherwise lie under what reaches the edge.
+    const double inset = layer.borderWidth;
+    const QRectF bounds = ancestor->contentBounds()
+                              .translated(-QPointF(widget.mapTo(parent, QPoint())))
+                              .adjusted(inset, inset, -inset, -inset);
+    const double radius = std::max(0.0, layer.cornerRadius - inset);
+    // Away from the corners and the border the widgets' own clipping does.
     const QRectF own = widget.rect();
     const bool besideCorners =
         bounds.adjusted(radius, 0, -radius, 0).contains(own) || bounds.adjusted(0, radius, 0, -radius).contains(own);

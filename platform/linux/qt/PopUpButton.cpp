@@ -45,7 +45,7 @@ struct PopUpNative final : qt::ControlNative {
     const double capLeft = isMirrored ? bounds.left() + capInset : bounds.right() - capInset - capSize;
     const QRectF cap(capLeft, bounds.center().y() - capSize / 2, capSize, capSize);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(qt::color(Color::controlAccentColor()));
+    painter.setBrush(qt::color(qt::ControlColor::AccentFill));
     painter.drawRoundedRect(cap, 4, 4);
     qt::paintChevron(painter, cap.center() - QPointF(0, 3), 6, true, Qt::white);
     qt::paintChevron(painter, cap.center() + QPointF(0, 3), 6, false, Qt::white);

@@ -85,6 +85,8 @@ struct ScrollNative final : qt::Scrolling {
   }
 
   void laidOut() override { scrollTo(clipNative().offset, false); }
+  /// So that one sees at once that there is more than fits.
+  void appeared() override { qt::nativeOf<ScrollerNative>(*scroller).flash(); }
   bool scrolled(double pixels) override { return scrollTo(clipNative().offset - pixels, true); }
 
   void reveal(double top, double bottom) override {

@@ -1,5 +1,6 @@
 #include "platform/linux/qt/Style.h"
 
+#include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyleOption>
@@ -7,6 +8,7 @@
 
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/Bezel.h"
+#include "platform/linux/qt/ToolkitConnection.h"
 
 namespace qt {
 namespace {
@@ -21,6 +23,7 @@ constexpr int shortcutGap = 28;
 constexpr int buttonHeight = 28;
 constexpr int buttonLeast = 76;
 constexpr double cornerRadius = 6;
+constexpr double menuRadius = 8;
 
 /// Where the titles of a menu begin, from its edge.
 int titleStart(const QStyleOptionMenuItem& item) {
@@ -46,7 +49,7 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
   if (item.menuItemType == QStyleOptionMenuItem::Separator) {
     painter.fillRect(QRectF(item.rect.left() + itemInset + textInset, item.rect.center().y(),
                             item.rect.width() - 2 * (itemInset + textInset), 1),
-                     color(ns::Color::separatorColor()));
+                     color(ControlColor::Divider));
     return;
   }
   const bool isEnabled = item.state & QStyle::State_Enabled;
@@ -55,7 +58,7 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
   if (!isEnabled) text.setAlphaF(text.alphaF() * 0.4F);
   if (isChosen) {
     painter.setPen(Qt::NoPen);
-    painter.setBrush(color(ns::Color::controlAccentColor()));
+    painter.setBrush(color(ControlColor::AccentFill));
     painter.drawRoundedRect(QRectF(item.rect).adjusted(itemInset, 0, -itemInset, 0), 5, 5);
   }
   if (item.checked) paintCheckMark(painter, QRectF(placed(itemInset + 4, checkColumn)).center(), text);
@@ -76,6 +79,22 @@ void paintMenuItem(QPainter& painter, const QStyleOptionMenuItem& item) {
   painter.drawText(room, flags | textAtSide(parts.back(), !isMirrored), parts.back());
 }
 
+/// The edge as what is left around the face: a line would lie beside the pixels at some scales.
+void paintMenuPanel(QPainter& painter, const QRect& rect, bool isTranslucent) {
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  if (isTranslucent) {
+    painter.setBrush(color(ControlColor::MenuEdge));
+    painter.drawRoundedRect(rect, menuRadius, menuRadius);
+  } else {
+    painter.fillRect(rect, color(ControlColor::MenuEdge));
+  }
+  painter.setBrush(color(ControlColor::Menu));
+  painter.drawRoundedRect(QRectF(rect).adjusted(1, 1, -1, -1), menuRadius - 1, menuRadius - 1);
+  painter.restore();
+}
+
 void paintButton(QPainter& painter, const QStyleOptionButton& button) {
   const bool isDefault = button.features & QStyleOptionButton::DefaultButton;
   const bool isPressed = button.state & (QStyle::State_Sunken | QStyle::State_On);
@@ -84,7 +103,7 @@ void paintButton(QPainter& painter, const QStyleOptionButton& button) {
     paintBezel(painter, bounds, cornerRadius, isPressed);
     return;
   }
-  QColor fill = color(ns::Color::controlAccentColor());
+  QColor fill = color(ControlColor::AccentFill);
   if (isPressed) fill = fill.darker(115);
   painter.setPen(Qt::NoPen);
   painter.setBrush(fill);
@@ -95,15 +114,20 @@ void paintButton(QPainter& painter, const QStyleOptionButton& button) {
 
 Style::Style() : QProxyStyle(QStringLiteral("fusion")) {}
 
+void Style::polish(QWidget* widget) {
+  QProxyStyle::polish(widget);
+  // Smooth corners, where somebody blends windows; elsewhere a mask cuts them.
+  if (qobject_cast<QMenu*>(widget) && isComposited()) widget->setAttribute(Qt::WA_TranslucentBackground);
+}
+
 void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                           const QWidget* widget) const {
   switch (element) {
     case PE_PanelMenu:
-    case PE_FrameMenu:
-      // The edge as what is left around the face: a line would lie beside the pixels at some scales.
-      painter->fillRect(option->rect, color(ControlColor::MenuEdge));
-      painter->fillRect(option->rect.adjusted(1, 1, -1, -1), color(ControlColor::Menu));
+      paintMenuPanel(*painter, option->rect, widget && widget->testAttribute(Qt::WA_TranslucentBackground));
       return;
+    case PE_FrameMenu:
+      return;  // the panel has it
     case PE_FrameFocusRect:
       painter->save();
       painter->setRenderHint(QPainter::Antialiasing);
@@ -168,6 +192,13 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWi
 
 int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                      QStyleHintReturn* returned) const {
+  if (auto* const mask = qstyleoption_cast<QStyleHintReturnMask*>(returned); hint == SH_Menu_Mask && mask && option) {
+    if (widget && widget->testAttribute(Qt::WA_TranslucentBackground)) return 0;
+    QPainterPath shape;
+    shape.addRoundedRect(option->rect, menuRadius, menuRadius);
+    mask->region = QRegion(shape.toFillPolygon().toPolygon());
+    return 1;
+  }
   // Chosen by colour and position, not by underlined letters.
   if (hint == SH_UnderlineShortcut || hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
   return QProxyStyle::styleHint(hint, option, widget, returned);

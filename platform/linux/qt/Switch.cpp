@@ -30,10 +30,16 @@ struct SwitchNative final : qt::PressableNative {
     const double height = std::min(bounds.height(), switchHeight);
     const QRectF track(bounds.left(), bounds.center().y() - height / 2, bounds.width(), height);
     const QColor off = qt::color(qt::ControlColor::Track);
-    const QColor on = qt::color(Color::controlAccentColor());
+    const QColor on = qt::color(qt::ControlColor::AccentFill);
     painter.setPen(Qt::NoPen);
     painter.setBrush(mix(off, on, position));
     painter.drawRoundedRect(track, height / 2, height / 2);
+    // Off, the track alone is hardly told from what is around it.
+    const QColor edge = qt::color(qt::ControlColor::TrackEdge);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(mix(edge, on, position), 1));
+    painter.drawRoundedRect(track.adjusted(0.5, 0.5, -0.5, -0.5), height / 2 - 0.5, height / 2 - 0.5);
+    painter.setPen(Qt::NoPen);
     if (isPressed) {
       painter.setBrush(QColor(0, 0, 0, 22));
       painter.drawRoundedRect(track, height / 2, height / 2);

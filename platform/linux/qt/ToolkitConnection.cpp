@@ -15,6 +15,14 @@ xcb_window_t rootWindow(xcb_connection_t* connection) {
   return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
 }
 
+bool isComposited() {
+  xcb_connection_t* const x11 = toolkitConnection();
+  if (!x11) return true;
+  static const xcb_atom_t selection = atom(x11, "_NET_WM_CM_S0");
+  const auto reply = owned(xcb_get_selection_owner_reply(x11, xcb_get_selection_owner(x11, selection), nullptr));
+  return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
 xcb_atom_t atom(xcb_connection_t* connection, std::string_view name) {
   const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
   const auto reply = owned(xcb_intern_atom_reply(connection, cookie, nullptr));

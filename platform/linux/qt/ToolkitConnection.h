@@ -22,6 +22,8 @@ std::unique_ptr<T, FreeReply> owned(T* reply) {
 xcb_connection_t* toolkitConnection();
 /// The first screen's, the one that panels and trays of today serve.
 xcb_window_t rootWindow(xcb_connection_t* connection);
+/// Whether windows are blended with what is behind them, now; true off screen.
+bool isComposited();
 /// XCB_ATOM_NONE when the server is gone.
 xcb_atom_t atom(xcb_connection_t* connection, std::string_view name);
 

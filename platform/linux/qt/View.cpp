@@ -203,6 +203,7 @@ void View::setAccessibilityLabel(const std::string& label) {
 void View::setAccessibilityButton(bool selected) {
   native_->isAccessibilityButton = true;
   native_->widget->setFocusPolicy(Qt::TabFocus);
+  if (selected) qt::followChosenTab(*native_);
   if (std::exchange(native_->isAccessibilitySelected, selected) != selected) {
     native_->notifyAccessible(QAccessible::SelectionWithin);
   }

@@ -83,6 +83,8 @@ struct View::Native {
 
   /// Draws the content into the bounds, whose origin is zero, above the layer.
   virtual void paint([[maybe_unused]] QPainter& painter, [[maybe_unused]] const QRectF& bounds) {}
+  /// Told when the view comes in sight, with its window or in it.
+  virtual void appeared() {}
   /// Told when light and dark change.
   virtual void appearanceChanged() {}
 

@@ -58,6 +58,9 @@ bool ViewWidget::event(QEvent* event) {
     case QEvent::PaletteChange:
       native_->appearanceChanged();
       break;
+    case QEvent::Show:
+      native_->appeared();
+      break;
     case QEvent::FocusIn:
       if (native_->canFocus()) showFocusRing(*native_);
       break;
