@@ -1,7 +1,9 @@
 // What to make of the names and numbers that applications report about their title bars.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,6 +11,7 @@
 
 #include "platform/linux/atspi/ButtonGeometry.h"
 #include "platform/linux/atspi/ButtonNames.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace atspi {
 
@@ -53,6 +56,31 @@ TEST(TitleBarButtonRules, LanguagesAreThoseOfGettext) {
   EXPECT_EQ(messageLanguages("C.UTF-8", ""), Forms{});
   EXPECT_EQ(messageLanguages("C", "de"), Forms{});
   EXPECT_EQ(messageLanguages("fr_FR", "de:C:it"), (Forms{"de"}));
+}
+
+TEST(TitleBarButtonRules, LanguagesOfAnApplicationLeadNowhereElseAndEnd) {
+  using Forms = std::vector<std::string>;
+  EXPECT_EQ(messageLanguages("../../../home/somebody", ""), Forms{});
+  EXPECT_EQ(messageLanguages("de_DE.UTF-8@/../../..", "/etc:..:de/..:pt\n"), Forms{});
+  EXPECT_EQ(messageLanguages("de_DE@/..", ""), (Forms{"de_DE", "de"}));
+  EXPECT_EQ(messageLanguages(std::string(100'000, 'x'), ""), Forms{});
+  std::string many;
+  for (int i = 0; i < 100'000; ++i) many += "l" + std::to_string(i) + ":";
+  EXPECT_LT(messageLanguages("de", many).size(), 100U);
+}
+
+TEST(TitleBarButtonRules, OnlySmallRegularFilesAreCatalogs) {
+  const support::TemporaryFolder folder;
+  const auto catalog = catalogOf("Close", "Fermer", false);
+  folder.write("fr/LC_MESSAGES/gtk40.mo", catalog);
+  folder.write("endless/LC_MESSAGES/gtk40.mo", catalog);
+  std::filesystem::resize_file(folder / "endless/LC_MESSAGES/gtk40.mo", 1u << 30);
+  std::filesystem::create_directories(folder / "pipe/LC_MESSAGES");
+  ASSERT_EQ(mkfifo((folder / "pipe/LC_MESSAGES/gtk40.mo").c_str(), 0600), 0);
+  for (const std::string language : {"pipe", "endless"}) {
+    const auto names = ButtonNames::load("gtk40", {language, "fr"}, {folder.path()});
+    EXPECT_EQ(names.role("Fermer"), ButtonRole::Close) << language;
+  }
 }
 
 TEST(TitleBarButtonRules, CatalogsAreReadInBothByteOrdersAndNeverBelieved) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
+
+#include "platform/linux/freedesktop/Files.h"
 
 namespace atspi {
 
@@ -70,13 +70,26 @@ class Catalog {
   bool swapped_ = false;
 };
 
+/// More than the longest catalogue of today by far.
+constexpr std::size_t largestCatalog = 4u << 20;
+/// Nobody prefers so many languages, each in up to four forms.
+constexpr std::size_t mostForms = 32;
+
 bool isUntranslated(std::string_view locale) { return locale == "C" || locale == "POSIX"; }
 
 bool isEnglish(std::string_view language) { return language == "en" || language.starts_with("en_"); }
 
+/// A form names a folder, and an application says what it likes: nothing in it may lead to another one.
+bool isFolderName(std::string_view form) {
+  constexpr std::string_view letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-@";
+  constexpr std::size_t longest = 64;
+  return !form.empty() && form.size() <= longest && form.find_first_not_of(letters) == form.npos;
+}
+
 void appendForms(std::vector<std::string>& forms, std::string_view locale) {
   const auto append = [&forms](std::string form) {
-    if (!form.empty() && std::ranges::find(forms, form) == forms.end()) forms.push_back(std::move(form));
+    if (forms.size() < mostForms && isFolderName(form) && std::ranges::find(forms, form) == forms.end())
+      forms.push_back(std::move(form));
   };
   const auto modifierAt = std::min(locale.find('@'), locale.size());
   const std::string modifier(locale.substr(modifierAt));
@@ -89,12 +102,6 @@ void appendForms(std::vector<std::string>& forms, std::string_view locale) {
   append(plain);
 }
 
-std::optional<std::string> readFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
 }  // namespace
 
 std::vector<std::string> messageLanguages(std::string_view locale, std::string_view language) {
@@ -104,7 +111,7 @@ std::vector<std::string> messageLanguages(std::string_view locale, std::string_v
     appendForms(forms, locale);
     return forms;
   }
-  while (!language.empty()) {
+  while (!language.empty() && forms.size() < mostForms) {
     const auto end = std::min(language.find(':'), language.size());
     const auto one = language.substr(0, end);
     if (isUntranslated(one)) break;
@@ -126,8 +133,8 @@ ButtonNames ButtonNames::load(const std::string& domain, const std::vector<std::
     for (const auto& folder : folders) {
       auto path = folder;
       path.append("/").append(language).append("/LC_MESSAGES/").append(domain).append(".mo");
-      if (auto content = readFile(path)) {
-        catalog = std::move(*content);
+      if (auto file = freedesktop::readFile(path, largestCatalog); file.error == 0) {
+        catalog = std::move(file.text);
         break;
       }
     }

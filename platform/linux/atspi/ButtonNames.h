@@ -15,7 +15,8 @@ namespace atspi {
 
 /// The languages that gettext would look for, best first, each followed by its less specific forms ("de_AT", "de").
 /// `locale` is the application's ("de_DE.UTF-8"), `language` its variable LANGUAGE, empty when it has none.
-/// Empty when messages stay untranslated.
+/// Empty when messages stay untranslated. Both are untrusted; each form can be the name of a folder and leads nowhere
+/// else.
 std::vector<std::string> messageLanguages(std::string_view locale, std::string_view language);
 
 /// The entry `id` of a compiled message catalogue in either byte order; none when it has no such entry or is damaged.

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <deque>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <utility>
+
+#include "platform/linux/freedesktop/Files.h"
 
 namespace atspi {
 
@@ -24,6 +24,7 @@ constexpr int deepest = 14;
 constexpr int mostContainers = 60;
 /// How far below the frame's edge a part of the title bar may begin, in the toolkit's units.
 constexpr double titleBarBand = 40;
+constexpr std::size_t mostLanguages = 32;
 
 /// Where the message catalogues are; the second is where some distributions put what their language packs bring.
 const std::vector<std::string>& catalogFolders() {
@@ -176,9 +177,13 @@ Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, const T
 /// LANGUAGE goes before the locale, and an application does not tell it.
 std::string languageOf(pid_t pid) {
   constexpr std::string_view name = "LANGUAGE=";
-  std::ifstream file("/proc/" + std::to_string(pid) + "/environ", std::ios::binary);
-  for (std::string entry; std::getline(file, entry, '\0');) {
-    if (entry.starts_with(name)) return entry.substr(name.size());
+  constexpr std::size_t largestEnvironment = 2u << 20;
+  const auto file = freedesktop::readFile("/proc/" + std::to_string(pid) + "/environ", largestEnvironment);
+  std::string_view rest = file.text;
+  while (!rest.empty()) {
+    const auto entry = rest.substr(0, rest.find('\0'));
+    if (entry.starts_with(name)) return std::string(entry.substr(name.size()));
+    rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
   }
   return "";
 }
@@ -247,6 +252,8 @@ const ButtonNames& TitleBarLookup::names(Toolkit toolkit, const std::string& loc
   std::string key = domain;
   for (const auto& language : languages) key += ":" + language;
   auto known = names_.find(key);
+  // Nobody runs applications in so many languages; one that claims to costs no more memory than this.
+  if (known == names_.end() && names_.size() >= mostLanguages) names_.clear();
   if (known == names_.end()) known = names_.emplace(key, ButtonNames::load(domain, languages, catalogFolders())).first;
   return known->second;
 }
