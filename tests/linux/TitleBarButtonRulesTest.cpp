@@ -11,15 +11,10 @@
 
 #include "platform/linux/atspi/ButtonGeometry.h"
 #include "platform/linux/atspi/ButtonNames.h"
+#include "tests/linux/PrintedButton.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace atspi {
-
-std::ostream& operator<<(std::ostream& stream, const TitleBarButton& button) {
-  return stream << static_cast<int>(button.role) << " at " << button.rect.origin.x << "," << button.rect.origin.y << " "
-                << button.rect.size.width << "x" << button.rect.size.height << (button.enabled ? "" : " disabled");
-}
-
 namespace {
 
 const std::string systemCatalogs = "/usr/share/locale";
@@ -138,6 +133,26 @@ TEST(TitleBarButtonRules, PlacementFitsOnlyTheWindowItself) {
     EXPECT_EQ(found->offset.x, c.offset.x) << c.what;
     EXPECT_EQ(found->offset.y, c.offset.y) << c.what;
     EXPECT_EQ(found->scale, c.scale) << c.what;
+  }
+}
+
+TEST(TitleBarButtonRules, PaddingIsToldFromChildrenThatFillTheirParent) {
+  struct Case {
+    const char* what;
+    CGRect outer;
+    std::vector<CGRect> children;
+    CGPoint inset;
+  };
+  for (const auto& c : {
+           Case{"a child", {{-6, -6}, {592, 47}}, {{{-6, -6}, {580, 46}}}, {6, 0}},
+           Case{"several", {{-6, -5}, {592, 47}}, {{{-6, -5}, {198, 34}}, {{572, -5}, {0, 34}}}, {7, 6}},
+           Case{"one larger than its parent", {{453, -6}, {121, 46}}, {{{460, -6}, {120, 46}}}, {0, 0}},
+           Case{"one without a size yet", {{0, 0}, {600, 47}}, {{{0, 0}, {588, 47}}, {{0, 0}, {588355024, 0}}}, {6, 0}},
+           Case{"one that leaves most free", {{0, 0}, {600, 300}}, {{{0, 0}, {100, 20}}}, {0, 0}},
+       }) {
+    const CGPoint inset = contentInset(c.outer, c.children);
+    EXPECT_EQ(inset.x, c.inset.x) << c.what;
+    EXPECT_EQ(inset.y, c.inset.y) << c.what;
   }
 }
 

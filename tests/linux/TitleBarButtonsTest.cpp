@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/atspi/TitleBarLookup.h"
 #include "platform/linux/x11/Connection.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
@@ -350,6 +351,41 @@ TEST(TitleBarButtonsTest, ButtonsComeAndGoInATitleBar) {
   EXPECT_EQ(finder->buttons(window.id).size(), 3U) << "a move forgets nothing";
   finder->remove(window.id);
   EXPECT_TRUE(finder->buttons(window.id).empty());
+}
+
+/// What one question finds, once it is answered.
+std::vector<TitleBarButton> ask(const atspi::Window& window) {
+  const atspi::Context context(g_main_context_new());
+  g_main_context_push_thread_default(context.get());
+  const atspi::Object<GCancellable> cancellable(g_cancellable_new());
+  atspi::TitleBarLookup lookup("");
+  std::optional<std::vector<TitleBarButton>> found;
+  [](auto& finder, auto& asked, auto* stop, auto& answer) -> atspi::Detached {
+    const auto connection = co_await atspi::AccessibilityBus::connect(stop);
+    const atspi::AccessibilityBus bus(connection.get(), stop, 5000);
+    answer = co_await finder.find(bus, asked);
+  }(lookup, window, cancellable.get(), found);
+  while (!found) g_main_context_iteration(context.get(), TRUE);
+  g_main_context_pop_thread_default(context.get());
+  return *found;
+}
+
+TEST(TitleBarButtonsTest, AHiddenTitleBarHasNoButtons) {
+  struct Hidden {
+    const char* kind;
+    const char* command;
+  };
+  Session session(openbox);
+  for (const auto& [kind, command] :
+       {Hidden{"gtk3", "fullscreen"}, Hidden{"gtk4", "fullscreen"}, Hidden{"adwaita", "other page"}}) {
+    support::ChildProcess program({windowProgram, kind, kind});
+    const auto window = session.window(kind);
+    Finder finder(session);
+    ASSERT_EQ(finder.buttons(window, 3).size(), 3U) << kind;
+    program.writeLine(command);
+    ASSERT_EQ(program.readLine(bound), command);
+    EXPECT_TRUE(ask(session.describe(window)).empty()) << kind;
+  }
 }
 
 TEST(TitleBarButtonsTest, TheBusMayStartLateAndStartAgain) {

@@ -4,8 +4,9 @@
 Usage: decorated_window.py gtk3|gtk4|adwaita TITLE
 
 The title bar also holds buttons of the application's own, one of them called as the toolkit calls its closing button.
-Lines on standard input: "plain" takes the title-bar buttons away, "buttons" brings them back; each is printed when done. Prints "closed" when the
-person has closed the window, and ends.
+Lines on standard input: "plain" takes the title-bar buttons away, "buttons" brings them back; "fullscreen" makes the
+window fill the screen; "other page" turns to another page of the stack that adwaita has the title bar in. Each is
+printed when done. Prints "closed" when the person has closed the window, and ends.
 """
 import gettext
 import os
@@ -56,8 +57,11 @@ else:
     Adw.init()
     window = Adw.Window(title=title)
     bar = Adw.HeaderBar()
+    pages = Gtk.Stack()
+    pages.add_named(bar, "bar")
+    pages.add_named(Gtk.Box(), "other")
     box = Gtk.Box(orientation=Gtk.Orientation.VERTICAL)
-    box.append(bar)
+    box.append(pages)
     box.append(Gtk.Label(label="content", vexpand=True))
     window.set_content(box)
     window.connect("close-request", closed)
@@ -72,11 +76,27 @@ bar.pack_end(own_close)
 window.set_default_size(600, 300)
 
 
+def say_when(condition, line):
+    """At once or a hundredth of a second after `condition` has come to hold."""
+    if condition():
+        print(line, flush=True)
+        return False
+    return True
+
+
 def command(source, _condition):
-    line = source.readline()
+    line = source.readline().strip()
+    done = lambda: True
+    if line == "fullscreen":
+        window.fullscreen()
+        done = lambda: not bar.get_mapped()
+    elif line == "other page":
+        pages.set_visible_child_name("other")
+        done = lambda: not bar.get_mapped()
+    elif line:
+        show_buttons(line == "buttons")
     if line:
-        show_buttons(line.strip() == "buttons")
-        print(line, end="", flush=True)
+        GLib.timeout_add(10, say_when, done, line)
     return bool(line)
 
 

@@ -14,8 +14,13 @@ constexpr double widestSolidBorder = 16;
 /// How far a group may stay away from the frame's edge and still be the one in the corner, in its own units.
 constexpr double widestCornerGap = 24;
 
-/// What GTK 4 leaves out on each side when it tells a button's extents: it gives the content box, but the border and
-/// the padding take clicks too. 16 units wide is GTK's own style, 24 is libadwaita's; the outer box itself is wider.
+/// No title bar has a wider padding, and none is higher, in its own units.
+constexpr double widestPadding = 16;
+constexpr double highestTitleBar = 80;
+
+/// What GTK 4 left out on each side before 4.10 when it told a button's extents: it gave the content box, but the
+/// border and the padding take clicks too. 16 units wide is GTK's own style, 24 is libadwaita's; the outer box itself
+/// is wider.
 double unreportedRim(double width) {
   if (width <= 20) return 7;
   if (width < 28) return 5;
@@ -122,6 +127,25 @@ std::optional<Placement> placement(Toolkit toolkit, const Window& window, CGSize
     return Placement{CGPointMake(std::floor(sides / 2), std::floor(ends / 2)), scale};
   }
   return std::nullopt;
+}
+
+CGPoint contentInset(CGRect outer, const std::vector<CGRect>& children) {
+  double width = 0;
+  double height = 0;
+  for (const CGRect& child : children) {
+    const double right = CGRectGetMaxX(child) - outer.origin.x;
+    const double bottom = CGRectGetMaxY(child) - outer.origin.y;
+    // A child that has no size yet is told with numbers from nowhere.
+    if (right > outer.size.width + widestPadding || bottom > outer.size.height + widestPadding) continue;
+    width = std::max(width, right);
+    height = std::max(height, bottom);
+  }
+  const auto half = [](double rest) { return rest > 0 && rest <= 2 * widestPadding ? std::floor(rest / 2) : 0; };
+  return CGPointMake(half(outer.size.width - width), half(outer.size.height - height));
+}
+
+bool isStretched(CGRect child, CGSize content) {
+  return child.size.height > highestTitleBar || child.size.width >= content.width;
 }
 
 std::vector<TitleBarButton> titleBarButtons(const std::vector<ButtonGroup>& groups, const ButtonNames& names,

@@ -11,7 +11,14 @@
 
 namespace atspi {
 
-enum class Toolkit { Gtk3, Gtk4 };
+enum class Toolkit {
+  Gtk3,
+  /// Before 4.10.
+  Gtk4,
+  /// GTK 4 since 4.10. It adds up the places of an object and of all that it is in, each counted from where its
+  /// parent's content begins, and forgets how far that is from the parent's own corner.
+  Gtk4Nested
+};
 
 /// How a toolkit's coordinates within a window become pixels from the visible frame's corner: times `scale`, plus
 /// `offset`.
@@ -23,6 +30,14 @@ struct Placement {
 /// `reported` is the toplevel's size as the toolkit has it, in its own coordinates. None when that does not fit the
 /// window: then it is another window, or the application has not yet taken in a new size.
 std::optional<Placement> placement(Toolkit toolkit, const Window& window, CGSize reported);
+
+/// Where the content of the box `outer` begins within it, as far as can be told from its children: padding is the same
+/// on opposite sides, and some child reaches to its end. All are rectangles as Gtk4Nested reports them.
+CGPoint contentInset(CGRect outer, const std::vector<CGRect>& children);
+
+/// Whether a child of a box with this content size is stretched over it rather than as small as it can be; only then
+/// its own content reaches from end to end. What is higher than a title bar may be one of several columns.
+bool isStretched(CGRect child, CGSize content);
 
 /// A push button that was found, in the toolkit's coordinates.
 struct FoundButton {

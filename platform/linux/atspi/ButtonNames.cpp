@@ -147,6 +147,10 @@ ButtonNames ButtonNames::load(const std::string& domain, const std::vector<std::
   return names;
 }
 
+void ButtonNames::addUntranslated() {
+  for (const auto& message : messages) entries_.push_back({message.id, message.role});
+}
+
 std::optional<ButtonRole> ButtonNames::role(std::string_view name) const {
   const auto found = std::ranges::find(entries_, name, &Entry::name);
   if (found == entries_.end()) return std::nullopt;

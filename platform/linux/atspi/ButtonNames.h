@@ -29,6 +29,9 @@ class ButtonNames {
   static ButtonNames load(const std::string& domain, const std::vector<std::string>& languages,
                           const std::vector<std::string>& folders);
 
+  /// For an application that may not be translated after all.
+  void addUntranslated();
+
   std::optional<ButtonRole> role(std::string_view name) const;
   /// False when messages are translated but no catalogue says how: then an unknown name tells nothing.
   bool complete() const { return complete_; }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <deque>
 #include <optional>
 #include <utility>
@@ -20,8 +21,8 @@ constexpr const char* component = "org.a11y.atspi.Component";
 
 /// A title bar is at the top and holds little; a window's content can be endless. These bounds keep to the former.
 constexpr std::size_t widest = 64;
-constexpr int deepest = 14;
-constexpr int mostContainers = 60;
+constexpr int deepest = 24;
+constexpr int mostContainers = 100;
 /// How far below the frame's edge a part of the title bar may begin, in the toolkit's units.
 constexpr double titleBarBand = 40;
 constexpr std::size_t mostLanguages = 32;
@@ -95,12 +96,15 @@ Task<std::optional<Toolkit>> toolkit(const AccessibilityBus& bus, const Address&
   const auto version = co_await bus.text(root, application, "Version");
   if (name != "gtk" && name != "GTK") co_return std::nullopt;
   if (version.starts_with("3.")) co_return Toolkit::Gtk3;
-  if (version.starts_with("4.")) co_return Toolkit::Gtk4;
-  co_return std::nullopt;
+  if (!version.starts_with("4.")) co_return std::nullopt;
+  int minor = 0;
+  std::from_chars(version.data() + 2, version.data() + version.size(), minor);
+  co_return minor < 10 ? Toolkit::Gtk4 : Toolkit::Gtk4Nested;
 }
 
 struct Toplevel {
   Address object;
+  CGRect rect;
   Placement where;
 };
 
@@ -112,7 +116,7 @@ Task<std::optional<Toplevel>> toplevel(const AccessibilityBus& bus, const Addres
   for (const auto& candidate : candidates) {
     const auto rect = co_await extents(bus, candidate);
     if (!rect) continue;
-    if (const auto where = placement(kind, window, rect->size)) fitting.push_back({candidate, *where});
+    if (const auto where = placement(kind, window, rect->size)) fitting.push_back({candidate, *rect, *where});
   }
   if (fitting.empty()) co_return std::nullopt;
   if (fitting.size() > 1) {
@@ -135,38 +139,103 @@ Task<bool> isApplicationsOwn(const AccessibilityBus& bus, const Address& button,
   co_return false;
 }
 
+/// A hidden title bar keeps its place in the tree, be it that of a full-screen window or one of a stack's other pages.
+Task<bool> isShown(const AccessibilityBus& bus, const Address& button, guint32 state, CGRect rect, Toolkit kind) {
+  if (!has(state, ATSPI_STATE_VISIBLE)) co_return false;
+  // Since 4.10 what is hidden is not in the tree.
+  if (kind == Toolkit::Gtk4Nested) co_return true;
+  if (kind == Toolkit::Gtk3) co_return has(state, ATSPI_STATE_SHOWING);
+  // GTK 4 said "showing" of windows only, but something hidden contained no point.
+  const auto x = static_cast<gint32>(rect.origin.x + rect.size.width / 2);
+  const auto y = static_cast<gint32>(rect.origin.y + rect.size.height / 2);
+  const auto reply =
+      co_await bus.call(button, component, "Contains",
+                        g_variant_new("(iiu)", x, y, static_cast<guint32>(ATSPI_COORD_TYPE_WINDOW)), "(b)");
+  gboolean contains = FALSE;
+  if (reply) g_variant_get(reply.get(), "(b)", &contains);
+  co_return contains != FALSE;
+}
+
 bool isInTitleBar(CGRect rect, const Placement& where) {
   const double top = rect.origin.y + where.offset.y / where.scale;
   return rect.size.width > 0 && rect.size.height > 0 && top < titleBarBand && top + rect.size.height > 0;
+}
+
+struct Member {
+  Address object;
+  AtspiRole role = ATSPI_ROLE_INVALID;
+  std::optional<CGRect> rect;
+};
+
+/// With the rectangles of those that matter: buttons and containers, and all when their parent's padding is to be told.
+Task<std::vector<Member>> membersOf(const AccessibilityBus& bus, const Address& container, Toolkit kind) {
+  std::vector<Member> members;
+  const auto objects = co_await children(bus, container);
+  for (const auto& object : objects) {
+    // g++ 12 destroys parts of an aggregate twice when it is made of what a coroutine awaits.
+    Member member;
+    member.object = object;
+    member.role = co_await role(bus, object);
+    if (kind == Toolkit::Gtk4Nested || member.role == ATSPI_ROLE_PUSH_BUTTON || isContainer(member.role))
+      member.rect = co_await extents(bus, object);
+    members.push_back(std::move(member));
+  }
+  co_return members;
+}
+
+std::vector<CGRect> rectsOf(const std::vector<Member>& members) {
+  std::vector<CGRect> rects;
+  for (const Member& member : members)
+    if (member.rect) rects.push_back(*member.rect);
+  return rects;
 }
 
 /// The push buttons at the window's top, by their parents.
 Task<std::vector<ButtonGroup>> buttonGroups(const AccessibilityBus& bus, const Toplevel& window, Toolkit kind) {
   struct Container {
     Address object;
-    int depth;
+    int depth = 0;
+    CGRect rect{};
+    /// What its own rectangle and, once it was looked into, those of its children are to be moved by.
+    CGPoint shift{};
+    bool isStretched = true;
+  };
+  const auto moved = [](CGRect rect, CGPoint by) {
+    return CGRectMake(rect.origin.x + by.x, rect.origin.y + by.y, rect.size.width, rect.size.height);
   };
   std::vector<ButtonGroup> groups;
-  std::deque<Container> queue = {{window.object, 0}};
+  std::deque<Container> queue = {{window.object, 0, window.rect}};
   for (int visited = 0; !queue.empty() && visited < mostContainers; ++visited) {
     const Container container = std::move(queue.front());
     queue.pop_front();
+    const auto members = co_await membersOf(bus, container.object, kind);
+    CGPoint shift = container.shift;
+    CGSize content = container.rect.size;
+    if (kind == Toolkit::Gtk4Nested && container.isStretched) {
+      CGPoint inset = contentInset(container.rect, rectsOf(members));
+      // A window counts its own place from its content.
+      if (container.depth == 0) {
+        inset = CGPointMake(-container.rect.origin.x, -container.rect.origin.y);
+        shift = inset;
+      }
+      shift = CGPointMake(shift.x + inset.x, shift.y + inset.y);
+      content.width -= 2 * inset.x;
+    }
     ButtonGroup group;
-    const auto members = co_await children(bus, container.object);
-    for (const auto& member : members) {
-      const auto part = co_await role(bus, member);
-      if (part == ATSPI_ROLE_PUSH_BUTTON) {
-        const auto state = co_await states(bus, member);
-        const auto rect = co_await extents(bus, member);
-        if (!has(state, ATSPI_STATE_VISIBLE) || !rect || !isInTitleBar(*rect, window.where)) continue;
-        group.mixed = group.mixed || co_await isApplicationsOwn(bus, member, state, kind);
-        auto name = co_await bus.text(member, accessible, "Name");
-        group.buttons.push_back({std::move(name), *rect, has(state, ATSPI_STATE_SENSITIVE)});
-      } else if (isContainer(part)) {
-        group.mixed = true;
-        const auto rect = co_await extents(bus, member);
-        if (rect && isInTitleBar(*rect, window.where) && container.depth < deepest)
-          queue.push_back({member, container.depth + 1});
+    for (const Member& member : members) {
+      if (isContainer(member.role)) group.mixed = true;
+      if (!member.rect) continue;
+      const CGRect rect = moved(*member.rect, shift);
+      if (!isInTitleBar(rect, window.where)) continue;
+      if (member.role == ATSPI_ROLE_PUSH_BUTTON) {
+        const auto state = co_await states(bus, member.object);
+        if (!co_await isShown(bus, member.object, state, *member.rect, kind)) continue;
+        group.mixed = group.mixed || co_await isApplicationsOwn(bus, member.object, state, kind);
+        auto name = co_await bus.text(member.object, accessible, "Name");
+        group.buttons.push_back({std::move(name), rect, has(state, ATSPI_STATE_SENSITIVE)});
+      } else if (isContainer(member.role) && container.depth < deepest) {
+        queue.push_back({member.object, container.depth + 1, *member.rect, shift,
+                         container.isStretched && isStretched(*member.rect, content)});
       }
     }
     if (!group.buttons.empty()) groups.push_back(std::move(group));
@@ -249,12 +318,17 @@ Task<std::vector<TitleBarButton>> TitleBarLookup::findIn(const AccessibilityBus&
 const ButtonNames& TitleBarLookup::names(Toolkit toolkit, const std::string& locale, pid_t pid) {
   const std::string domain = toolkit == Toolkit::Gtk3 ? "gtk30" : "gtk40";
   const auto languages = messageLanguages(locale, languageOf(pid));
-  std::string key = domain;
+  // Whether LANGUAGE counts for "C.UTF-8" depends on the C library: glibc 2.36 translates, 2.41 does not.
+  const bool maybeUntranslated = locale.starts_with("C.");
+  std::string key = maybeUntranslated ? domain + ":C" : domain;
   for (const auto& language : languages) key += ":" + language;
   auto known = names_.find(key);
   // Nobody runs applications in so many languages; one that claims to costs no more memory than this.
   if (known == names_.end() && names_.size() >= mostLanguages) names_.clear();
-  if (known == names_.end()) known = names_.emplace(key, ButtonNames::load(domain, languages, catalogFolders())).first;
+  if (known == names_.end()) {
+    known = names_.emplace(key, ButtonNames::load(domain, languages, catalogFolders())).first;
+    if (maybeUntranslated) known->second.addUntranslated();
+  }
   return known->second;
 }
 
