@@ -55,6 +55,9 @@ AccessibilityBus::AccessibilityBus(GDBusConnection* connection, GCancellable* ca
 
 Task<Variant> AccessibilityBus::call(const Address& object, const char* interface, const char* method,
                                      GVariant* arguments, const char* reply) const {
+  const Variant owned(arguments ? g_variant_ref_sink(arguments) : nullptr);
+  // GIO refuses such a name without ever calling back, and applications do give some: "no object" has none in GTK 4.
+  if (!g_dbus_is_name(object.name.c_str())) co_return nullptr;
   Operation calling([&](GAsyncReadyCallback callback, gpointer data) {
     g_dbus_connection_call(connection_.get(), object.name.c_str(), object.path.c_str(), interface, method, arguments,
                            G_VARIANT_TYPE(reply), G_DBUS_CALL_FLAGS_NONE, timeout_, cancellable_.get(), callback, data);

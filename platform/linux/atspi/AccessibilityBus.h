@@ -23,10 +23,11 @@ class AccessibilityBus {
   /// Starts the bus if the session can. Null when there is none. Cancelling ends the wait.
   static Task<Object<GDBusConnection>> connect(GCancellable* cancellable);
 
-  /// `timeout` is in milliseconds and holds for each call.
+  /// `timeout` is in milliseconds and holds for each call; cancelling ends them all in silence.
   AccessibilityBus(GDBusConnection* connection, GCancellable* cancellable, int timeout);
 
-  /// The reply, of the type `reply`; null when the other side answered with an error or with another type.
+  /// The reply, of the type `reply`; null when the other side answered with an error or with another type, and when
+  /// `object` has no name that can be one.
   /// Takes `arguments` over if it is floating. Throws Silence.
   Task<Variant> call(const Address& object, const char* interface, const char* method, GVariant* arguments,
                      const char* reply) const;

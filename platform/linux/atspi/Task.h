@@ -69,7 +69,8 @@ struct Detached {
 };
 
 /// Awaits one asynchronous operation of GIO; gives its result, for the operation's "finish" function. `start` gets the
-/// callback and its data. GIO always calls back, at the latest after cancelling, so no coroutine is left hanging.
+/// callback and its data, and arguments that GIO accepts: then it calls back, at the latest after cancelling, and no
+/// coroutine is left hanging.
 template <class Start>
 class Operation {
  public:

@@ -1,8 +1,11 @@
 #include "platform/linux/atspi/TitleBarButtons.h"
 
 #include <algorithm>
+#include <deque>
+#include <list>
 #include <map>
 #include <optional>
+#include <set>
 #include <thread>
 #include <unordered_map>
 #include <utility>
@@ -25,6 +28,11 @@ constexpr unsigned absentAttempts = 8;
 constexpr unsigned silentDelay = 500;
 constexpr unsigned connectDelay = 500;
 constexpr unsigned longestDelay = 30'000;
+/// How long the end waits for conversations that were called off.
+constexpr unsigned farewell = 1000;
+
+/// So many that a few silent ones delay nobody, so few that a desktop full of windows does not wake up all at once.
+constexpr std::size_t applicationsAtATime = 4;
 
 unsigned backOff(unsigned first, unsigned attempt) {
   unsigned delay = first;
@@ -65,7 +73,6 @@ class TitleBarButtons::Worker {
         options_(std::move(options)),
         context_(g_main_context_new()),
         loop_(g_main_loop_new(context_.get(), FALSE)),
-        cancellable_(g_cancellable_new()),
         thread_([this] { run(); }) {}
 
   ~Worker() {
@@ -144,14 +151,16 @@ class TitleBarButtons::Worker {
     bool confirmed = false;
     bool asking = false;
     bool askAgain = false;
-    bool waitsForBus = false;
   };
   /// Bus names start anew with every bus, so what was learnt of them lives no longer than the connection.
   struct Session {
-    Session(GDBusConnection* connection, GCancellable* cancellable, const Options& options)
-        : bus(connection, cancellable, options.callTimeout), lookup(options.decorationLayout) {}
-    AccessibilityBus bus;
+    Object<GDBusConnection> connection;
     TitleBarLookup lookup;
+  };
+  /// Something that others are asked. It ends in time, whatever they do.
+  struct Conversation {
+    Object<GCancellable> cancellable{g_cancellable_new()};
+    Source deadline;
   };
 
   // Any thread.
@@ -176,8 +185,12 @@ class TitleBarButtons::Worker {
     stopping_ = true;
     jobs_.clear();
     reconnect_.reset();
-    g_cancellable_cancel(cancellable_.get());
-    while (conversations_ > 0) g_main_context_iteration(context_.get(), TRUE);
+    for (const auto& conversation : conversations_) g_cancellable_cancel(conversation.cancellable.get());
+    bool late = false;
+    const Source limit = after(farewell, [&late] { late = true; });
+    // GIO cannot break off everything: it waits for a bus to greet. What is left then is never taken up again, because
+    // nobody runs this context any more.
+    while (!conversations_.empty() && !late) g_main_context_iteration(context_.get(), TRUE);
     disconnect();
     g_main_context_pop_thread_default(context_.get());
   }
@@ -191,37 +204,64 @@ class TitleBarButtons::Worker {
   void schedule(std::uint32_t id, Job& job, unsigned delay) {
     job.timer = after(delay, [this, id] {
       const auto found = jobs_.find(id);
-      if (found != jobs_.end()) ask(id, found->second);
+      if (found == jobs_.end()) return;
+      if (found->second->asking) {
+        found->second->askAgain = true;
+        return;
+      }
+      if (std::ranges::find(waiting_, id) == waiting_.end()) waiting_.push_back(id);
+      askWaiting();
     });
   }
 
-  /// Takes the job by value: it may be removed while the application thinks.
-  Detached ask(std::uint32_t id, std::shared_ptr<Job> job) {
-    if (job->asking) {
-      job->askAgain = true;
-      co_return;
-    }
+  /// An application is asked about one window after the other, so that a silent one takes a single place of the few.
+  void askWaiting() {
     if (!session_) {
-      job->waitsForBus = true;
       if (!connecting_ && !reconnect_) connect();
-      co_return;
+      return;
     }
-    std::optional<Known> asked = known(id);
-    if (!asked) co_return;
+    for (auto next = waiting_.begin(); next != waiting_.end() && beingAsked_.size() < applicationsAtATime;) {
+      const std::uint32_t id = *next;
+      const auto job = jobs_.find(id);
+      auto asked = known(id);
+      const bool gone = job == jobs_.end() || !asked;
+      if (!gone && beingAsked_.contains(asked->window.pid)) {
+        ++next;
+        continue;
+      }
+      next = waiting_.erase(next);
+      if (!gone) ask(id, job->second, std::move(*asked));
+    }
+  }
+
+  std::list<Conversation>::iterator begin() {
+    const auto conversation = conversations_.emplace(conversations_.end());
+    conversation->deadline = after(options_.conversationTimeout, [cancellable = conversation->cancellable.get()] {
+      g_cancellable_cancel(cancellable);
+    });
+    return conversation;
+  }
+
+  /// Takes the job by value: it may be removed while the application thinks.
+  Detached ask(std::uint32_t id, std::shared_ptr<Job> job, Known asked) {
+    const auto session = session_;
+    const auto conversation = begin();
+    beingAsked_.insert(asked.window.pid);
     job->asking = true;
-    ++conversations_;
     std::optional<std::vector<TitleBarButton>> found;
     try {
-      const auto session = session_;
-      found = co_await session->lookup.find(session->bus, asked->window);
+      const AccessibilityBus bus(session->connection.get(), conversation->cancellable.get(), options_.callTimeout);
+      found = co_await session->lookup.find(bus, asked.window);
     } catch (const Silence&) {
       found.reset();
     }
-    --conversations_;
     job->asking = false;
+    beingAsked_.erase(asked.window.pid);
+    conversations_.erase(conversation);
+    if (stopping_) co_return;
     const auto current = jobs_.find(id);
-    if (stopping_ || current == jobs_.end() || current->second != job) co_return;
-    digest(id, *job, asked->revision, std::move(found));
+    if (current != jobs_.end() && current->second == job) digest(id, *job, asked.revision, std::move(found));
+    askWaiting();
   }
 
   /// `found` is none when the application kept silent: then what was known of it stands.
@@ -266,16 +306,17 @@ class TitleBarButtons::Worker {
 
   Detached connect() {
     connecting_ = true;
-    ++conversations_;
+    const auto conversation = begin();
+    Object<GDBusConnection> connection;
     try {
-      connection_ = co_await AccessibilityBus::connect(cancellable_.get());
+      connection = co_await AccessibilityBus::connect(conversation->cancellable.get());
     } catch (const Silence&) {
-      connection_.reset();
+      connection.reset();
     }
-    --conversations_;
+    conversations_.erase(conversation);
     connecting_ = false;
     if (stopping_) co_return;
-    if (!connection_) {
+    if (!connection) {
       reconnect_ = after(backOff(connectDelay, connectAttempts_++), [this] {
         reconnect_.reset();
         connect();
@@ -283,11 +324,9 @@ class TitleBarButtons::Worker {
       co_return;
     }
     connectAttempts_ = 0;
-    g_signal_connect(connection_.get(), "closed", G_CALLBACK(&Worker::closed), this);
-    session_ = std::make_shared<Session>(connection_.get(), cancellable_.get(), options_);
-    for (const auto& [id, job] : jobs_) {
-      if (std::exchange(job->waitsForBus, false)) schedule(id, *job, 0);
-    }
+    g_signal_connect(connection.get(), "closed", G_CALLBACK(&Worker::closed), this);
+    session_ = std::make_shared<Session>(Session{std::move(connection), TitleBarLookup(options_.decorationLayout)});
+    askWaiting();
   }
 
   static void closed(GDBusConnection*, gboolean, GError*, gpointer self) {
@@ -296,16 +335,14 @@ class TitleBarButtons::Worker {
   }
 
   void disconnect() {
-    if (connection_) g_signal_handlers_disconnect_by_data(connection_.get(), this);
+    if (session_) g_signal_handlers_disconnect_by_data(session_->connection.get(), this);
     session_.reset();
-    connection_.reset();
   }
 
   const ChangeHandler changed_;
   const Options options_;
   const Context context_;
   const Loop loop_;
-  const Object<GCancellable> cancellable_;
 
   mutable ns::Lock lock_;
   std::unordered_map<std::uint32_t, Known> known_ GUARDED_BY(lock_);
@@ -313,11 +350,13 @@ class TitleBarButtons::Worker {
 
   // The lookup thread's own.
   std::map<std::uint32_t, std::shared_ptr<Job>> jobs_;
-  Object<GDBusConnection> connection_;
+  /// The windows whose turn has come, oldest first.
+  std::deque<std::uint32_t> waiting_;
+  std::set<pid_t> beingAsked_;
+  std::list<Conversation> conversations_;
   std::shared_ptr<Session> session_;
   Source reconnect_;
   unsigned connectAttempts_ = 0;
-  unsigned conversations_ = 0;
   bool connecting_ = false;
   bool stopping_ = false;
 

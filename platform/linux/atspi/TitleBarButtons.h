@@ -50,6 +50,8 @@ class TitleBarButtons {
     std::string decorationLayout = "menu:minimize,maximize,close";
     /// How long the application has for each answer, in milliseconds.
     int callTimeout = 500;
+    /// How long it may be asked about one window in all, in milliseconds.
+    unsigned conversationTimeout = 10'000;
   };
   /// Called on the lookup thread after the answer of buttons(window) has changed. It must not wait for a thread that
   /// is destroying this object.
