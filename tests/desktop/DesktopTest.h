@@ -14,7 +14,8 @@ constexpr Frame filledFrame{32, 56, 1376, 812};
 
 class DesktopTest : public testing::Test {
  protected:
-  explicit DesktopTest(WindowManager windowManager, int width = 1440) : desktop(windowManager, width), x(desktop.x()) {}
+  explicit DesktopTest(WindowManager windowManager, int width = 1440, int height = 900)
+      : desktop(windowManager, width, height), x(desktop.x()) {}
 
   void TearDown() override {
     if (HasFailure()) std::cerr << "Ostrel said:\n" << desktop.ostrelLog();
@@ -77,7 +78,7 @@ class DesktopTest : public testing::Test {
 /// A fixture whose tests run once on each window manager.
 class EachWindowManager : public DesktopTest, public testing::WithParamInterface<WindowManager> {
  protected:
-  explicit EachWindowManager(int width = 1440) : DesktopTest(GetParam(), width) {}
+  explicit EachWindowManager(int width = 1440, int height = 900) : DesktopTest(GetParam(), width, height) {}
 };
 
 inline void PrintTo(WindowManager windowManager, std::ostream* stream) { *stream << name(windowManager); }

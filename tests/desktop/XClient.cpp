@@ -179,6 +179,13 @@ void XClient::moveResize(Window window, const Frame& wanted) {
 
 void XClient::activate(Window window) { sendToRoot(window, "_NET_ACTIVE_WINDOW", {fromPager, XCB_CURRENT_TIME, 0}); }
 
+void XClient::close(Window window) { sendToRoot(window, "_NET_CLOSE_WINDOW", {XCB_CURRENT_TIME, fromPager}); }
+
+void XClient::setState(Window window, const std::vector<std::string>& names, bool on) {
+  const xcb_atom_t second = names.size() > 1 ? connection_.atom(names[1]) : xcb_atom_t{XCB_ATOM_NONE};
+  sendToRoot(window, "_NET_WM_STATE", {on, connection_.atom(names[0]), second, fromPager});
+}
+
 void XClient::click(Point point, int number) {
   movePointer(point);
   hands_.click(number);

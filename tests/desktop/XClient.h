@@ -77,6 +77,10 @@ class XClient {
   void moveResize(Window window, const Frame& frame);
   /// Raises, focuses and brings back from the icon.
   void activate(Window window);
+  /// As a click on the close button.
+  void close(Window window);
+  /// Adds these states, at most two, or takes them away.
+  void setState(Window window, const std::vector<std::string>& names, bool on);
 
   void movePointer(Point point) { hands_.move(point.x, point.y); }
   void press() { hands_.press(); }

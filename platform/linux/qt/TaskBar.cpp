@@ -21,18 +21,9 @@ void applyTaskBarPolicy(QWidget& window) {
   const xcb_atom_t state = atom(connection, "_NET_WM_STATE");
   const std::array hints{atom(connection, "_NET_WM_STATE_SKIP_TASKBAR"), atom(connection, "_NET_WM_STATE_SKIP_PAGER")};
   if (window.isVisible()) {
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = id;
-    message.type = state;
-    message.data.data32[0] = isAccessory ? 1 : 0;
-    message.data.data32[1] = hints[0];
-    message.data.data32[2] = hints[1];
-    message.data.data32[3] = 1;
-    xcb_send_event(connection, 0, rootWindow(connection),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&message));
+    const std::uint32_t addOrRemove = isAccessory ? 1 : 0;
+    constexpr std::uint32_t fromApplication = 1;
+    sendToWindowManager(connection, id, "_NET_WM_STATE", {addOrRemove, hints[0], hints[1], fromApplication});
   } else {
     // The toolkit adds its own states to these when it shows the window.
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, state, XCB_ATOM_ATOM, 32,

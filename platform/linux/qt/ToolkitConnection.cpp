@@ -1,7 +1,8 @@
 #include "platform/linux/qt/ToolkitConnection.h"
 
 #include <QGuiApplication>
-#include <cstdint>
+#include <algorithm>
+#include <iterator>
 
 namespace qt {
 
@@ -27,6 +28,20 @@ xcb_atom_t atom(xcb_connection_t* connection, std::string_view name) {
   const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
   const auto reply = owned(xcb_intern_atom_reply(connection, cookie, nullptr));
   return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+void sendToWindowManager(xcb_connection_t* connection, xcb_window_t window, std::string_view type,
+                         std::initializer_list<std::uint32_t> data) {
+  xcb_client_message_event_t message{};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = atom(connection, type);
+  std::copy(data.begin(), data.end(), std::begin(message.data.data32));
+  xcb_send_event(connection, 0, rootWindow(connection),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char*>(&message));
+  xcb_flush(connection);
 }
 
 }  // namespace qt

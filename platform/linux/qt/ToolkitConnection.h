@@ -3,7 +3,9 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
+#include <initializer_list>
 #include <memory>
 #include <string_view>
 
@@ -26,5 +28,8 @@ xcb_window_t rootWindow(xcb_connection_t* connection);
 bool isComposited();
 /// XCB_ATOM_NONE when the server is gone.
 xcb_atom_t atom(xcb_connection_t* connection, std::string_view name);
+/// Asks the window manager for something about a window: a message of this type with up to five values.
+void sendToWindowManager(xcb_connection_t* connection, xcb_window_t window, std::string_view type,
+                         std::initializer_list<std::uint32_t> data);
 
 }  // namespace qt

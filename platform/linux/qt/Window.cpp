@@ -1,18 +1,15 @@
 #include "platform/Window.h"
 
 #include <QCloseEvent>
-#include <QScreen>
 #include <QWidget>
-#include <QWindow>
-#include <algorithm>
-#include <optional>
+#include <utility>
 
 #include "platform/linux/qt/Appearance.h"
+#include "platform/linux/qt/Centring.h"
 #include "platform/linux/qt/FocusOrder.h"
 #include "platform/linux/qt/TaskBar.h"
 #include "platform/linux/qt/ViewNative.h"
 #include "platform/linux/qt/ViewWidget.h"
-#include "platform/linux/qt/WorkArea.h"
 
 namespace qt {
 namespace {
@@ -29,9 +26,6 @@ Qt::WindowFlags flagsOf(ns::WindowStyleMask mask) {
 }
 
 QSize rounded(CGSize size) { return {qRound(size.width), qRound(size.height)}; }
-
-/// The title bar that a minimum size is reckoned with while the window manager has not put up its own.
-constexpr int assumedTitleBar = 28;
 
 class WindowWidget final : public QWidget {
  public:
@@ -53,30 +47,16 @@ class WindowWidget final : public QWidget {
 
   void updateMinimum() {
     QSize least = contentMinimum;
-    const QMargins frame = frameMargins();
-    const int titleBar = frame.isNull() ? assumedTitleBar : frame.top() + frame.bottom();
-    least = least.expandedTo(windowMinimum - QSize(frame.left() + frame.right(), titleBar));
+    const QMargins& frame = centring.frame();
+    least = least.expandedTo(windowMinimum - QSize(frame.left() + frame.right(), frame.top() + frame.bottom()));
     if (minimumSize() != least) setMinimumSize(least);
-  }
-
-  void center() {
-    centredWith = frameMargins();
-    const QRect area = qt::workArea(*screen());
-    // On a small screen no larger than the screen, as far as the minimum allows; then at least with its title bar.
-    const QMargins& frame = *centredWith;
-    const QSize margins(frame.left() + frame.right(), frame.top() + frame.bottom());
-    resize(size().boundedTo((area.size() - margins).expandedTo(minimumSize())));
-    const QSize whole = size() + margins;
-    const QPoint corner = area.center() - QPoint(whole.width() / 2, whole.height() / 2);
-    move(std::max(corner.x(), area.left()), std::max(corner.y(), area.top()));
   }
 
   std::shared_ptr<ns::View> content;
   std::weak_ptr<ns::WindowDelegate> delegate;
   QSize contentMinimum{0, 0};
   QSize windowMinimum{0, 0};
-  /// The frame that center() reckoned with; none before the first.
-  std::optional<QMargins> centredWith;
+  Centring centring{*this};
 
  protected:
   bool event(QEvent* event) override {
@@ -87,10 +67,11 @@ class WindowWidget final : public QWidget {
   }
   void resizeEvent(QResizeEvent*) override { layOutContent(); }
   void showEvent(QShowEvent*) override { layOutContent(); }
-  void moveEvent(QMoveEvent*) override {
-    updateMinimum();
-    // Its frame, which it was centred without, has only come with the window manager's answer.
-    if (centredWith && *centredWith != frameMargins()) center();
+  bool nativeEvent(const QByteArray&, void* message, qintptr*) override {
+    const auto& event = *static_cast<const xcb_generic_event_t*>(message);
+    if (centring.tellsOtherFrame(event)) updateMinimum();
+    centring.follow(event);
+    return false;
   }
   void closeEvent(QCloseEvent*) override {
     if (const auto strong = delegate.lock()) strong->windowWillClose();
@@ -106,7 +87,6 @@ class WindowWidget final : public QWidget {
   bool focusNextPrevChild(bool next) override { return content && moveFocus(content->native(), next); }
 
  private:
-  QMargins frameMargins() const { return windowHandle() ? windowHandle()->frameMargins() : QMargins(); }
   void layOutContent() {
     if (!content) return;
     auto& native = content->native();
@@ -152,7 +132,7 @@ void Window::setMinSize(CGSize size) {
   native_->widget.updateMinimum();
 }
 
-void Window::center() { native_->widget.center(); }
+void Window::center() { native_->widget.centring.start(); }
 
 void Window::makeKeyAndOrderFront() {
   auto& widget = native_->widget;
