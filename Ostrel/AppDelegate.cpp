@@ -13,11 +13,13 @@ void AppDelegate::applicationDidFinishLaunching() {
   permissionTimer_ = ns::Timer::scheduledTimer(2.0, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->tick();
   });
+  if (tabAtLaunch_) showSettings(*tabAtLaunch_);
 }
 
 void AppDelegate::tick() {
   if (AXIsProcessTrusted()) controller_->startIfPossible();
   updateStatusItemAppearance();
+  if (settingsController_) settingsController_->refreshAccessibilityStatus();
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -27,9 +29,11 @@ void AppDelegate::applicationWillTerminate() {
 
 std::string AppDelegate::answer(const std::string& request) {
   if (!controller_) return {};
-  return answerRequest(request, *controller_, [this](const std::string& tab) {
-    settingsWindow().present(tabWithRawValue(tab).value_or(settingsWindow().selectedTab()));
-  });
+  return answerRequest(request, *controller_, [this](const std::string& tab) { showSettings(tab); });
+}
+
+void AppDelegate::showSettings(const std::string& tab) {
+  settingsWindow().present(tabWithRawValue(tab).value_or(settingsWindow().selectedTab()));
 }
 
 void AppDelegate::standardUserDriverWillHandleShowingUpdate(bool, const spu::AppcastItem&,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "Ostrel/OstrelController.h"
@@ -29,6 +30,9 @@ class AppDelegate : public std::enable_shared_from_this<AppDelegate>,
                                                  const spu::UserUpdateState& state) override;
   void standardUserDriverDidReceiveUserAttentionForUpdate(const spu::AppcastItem& update) override;
 
+  /// To be called before the launch: it then ends with the settings open at this tab, the first one when `tab` is
+  /// empty.
+  void showSettingsAtLaunch(const std::string& tab) { tabAtLaunch_ = tab; }
   /// The answer to what a later start of the program asks.
   std::string answer(const std::string& request);
 
@@ -50,7 +54,9 @@ class AppDelegate : public std::enable_shared_from_this<AppDelegate>,
 
  private:
   void tick();
+  void showSettings(const std::string& tab);
 
+  std::optional<std::string> tabAtLaunch_;
   std::shared_ptr<ns::StatusItem> statusItem_;
   std::shared_ptr<OstrelController> controller_;
   std::shared_ptr<SettingsWindowController> settingsController_;

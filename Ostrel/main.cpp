@@ -19,6 +19,9 @@ int main(int argc, char** argv) {
   const auto claim = ns::SingleInstance::claim([&](const std::string& request) { return delegate->answer(request); });
   // Another start was faster by a moment.
   if (!claim) return ostrel::showSettingsOfRunningInstance(commandLine.argument).value_or(1);
+  if (commandLine.command == ostrel::CommandLine::Command::Settings) {
+    delegate->showSettingsAtLaunch(commandLine.argument);
+  }
   app->setDelegate(delegate);
   app->setActivationPolicy(ns::ActivationPolicy::Accessory);
   app->run();

@@ -165,10 +165,12 @@ CommandResult DesktopSession::ostrelCommand(const Arguments& arguments) {
   return command(whole);
 }
 
-void DesktopSession::startOstrel() {
+void DesktopSession::startOstrel(const Arguments& arguments) {
   const auto granted = ostrelCommand({"accessibility", "grant"});
   if (granted.status != 0) throw std::runtime_error("consent was refused: " + granted.output);
-  ostrel_ = start({OSTREL_PROGRAM}, "ostrel.log");
+  Arguments whole{OSTREL_PROGRAM};
+  whole.insert(whole.end(), arguments.begin(), arguments.end());
+  ostrel_ = start(whole, "ostrel.log");
   if (!x_->waitUntil([&] { return x_->isButtonGrabbed(); }, startBound)) {
     throw std::runtime_error("Ostrel does not watch the mouse: " + ostrelLog());
   }

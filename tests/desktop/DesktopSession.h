@@ -69,8 +69,8 @@ class DesktopSession {
   void writePreferences(const std::string& object);
   /// Runs `ostrel` with these arguments to its end.
   CommandResult ostrelCommand(const Arguments& arguments);
-  /// Gives consent, starts Ostrel and waits until it watches the mouse.
-  void startOstrel();
+  /// Gives consent, starts Ostrel with these arguments and waits until it watches the mouse.
+  void startOstrel(const Arguments& arguments = {});
   void stopOstrel() { ostrel_.reset(); }
   support::ChildProcess& ostrel() { return *ostrel_; }
   /// What Ostrel has written to its outputs.

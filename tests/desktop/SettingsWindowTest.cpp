@@ -1,6 +1,7 @@
 // The settings window among other windows: where it opens, and that it stays where a person puts it.
 #include <cstdlib>
 
+#include "tests/desktop/AssistiveTool.h"
 #include "tests/desktop/DesktopTest.h"
 
 namespace desktoptest {
@@ -80,6 +81,34 @@ TEST_P(SettingsWindowTest, StaysWhereAPersonPutsIt) {
   }
   EXPECT_EQ(openSettings(), window);
   EXPECT_TRUE(isInTheMiddle(window));
+}
+
+TEST_P(SettingsWindowTest, ShowsConsentAtOnceAndHasTheKeyboardAgainAfterItsDialog) {
+  AssistiveTool tool{desktop};
+  const auto has = [&](const std::string& button) { return tool.find("push button", button).has_value(); };
+  const auto click = [&](const std::string& button) {
+    desktop.settle();
+    const Frame place = tool.find("push button", button).value().place;
+    x.click({place.x + place.width / 2, place.y + place.height / 2});
+  };
+  desktop.startOstrel({"settings", "general"});
+  EXPECT_TRUE(happens([&] { return x.clients().size() == 1; })) << "the first start opens them, too";
+  const Window window = x.clients().at(0);
+  EXPECT_EQ(desktop.ostrelCommand({"accessibility", "revoke"}).status, 0);
+  EXPECT_TRUE(happens([&] { return has("Grant access…"); }));
+
+  click("Grant access…");
+  EXPECT_TRUE(happens([&] { return has("Allow") && x.clients().size() == 2; }));
+  for (const Window client : x.clients()) {
+    if (client == window) continue;
+    EXPECT_EQ(x.property(client, "WM_TRANSIENT_FOR"), std::vector{window});
+  }
+  click("Allow");
+  EXPECT_TRUE(happens([&] { return !has("Grant access…"); }));
+  EXPECT_TRUE(happens([&] {
+    const auto active = x.property(x.root(), "_NET_ACTIVE_WINDOW");
+    return !active.empty() && active[0] == window;
+  }));
 }
 
 INSTANTIATE_TEST_SUITE_P(, SettingsWindowTest, windowManagers(), parameterName);

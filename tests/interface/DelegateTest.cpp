@@ -74,6 +74,21 @@ TEST_F(DelegateTest, TicksFollowThePermission) {
   EXPECT_EQ(desktop.tapCount(), 1u);
 }
 
+TEST_F(DelegateTest, OpenSettingsFollowThePermission) {
+  desktop.isTrusted = false;
+  delegate->showSettingsAtLaunch("general");
+  delegate->applicationDidFinishLaunching();
+  auto& root = *delegate->settingsWindow().window()->contentView();
+  const auto says = [&](const std::string& text) { return labelSaying(root, text) != nullptr; };
+  const std::string granted = "Accessibility access has been granted.";
+  for (const bool isTrusted : {true, false}) {
+    EXPECT_NE(says(granted), isTrusted);
+    desktop.isTrusted = isTrusted;
+    simulated::RunLoop::advance(2.1);
+    EXPECT_EQ(says(granted), isTrusted);
+  }
+}
+
 TEST_F(DelegateTest, TerminationStopsTapAndTimer) {
   delegate->applicationDidFinishLaunching();
   delegate->applicationWillTerminate();
@@ -180,9 +195,12 @@ TEST_F(DelegateTest, UpdateInterfaceMakesItARegularApplicationForAWhile) {
   }
 }
 
-TEST_F(DelegateTest, LaterStartsOpenTheTabTheyName) {
+TEST_F(DelegateTest, StartsOpenTheTabTheyName) {
+  delegate->showSettingsAtLaunch("displays");
   EXPECT_EQ(delegate->answer("settings"), "");
   delegate->applicationDidFinishLaunching();
+  EXPECT_TRUE(delegate->settingsWindow().window()->isVisible());
+  EXPECT_EQ(delegate->settingsWindow().selectedTab(), ostrel::Tab::Displays);
   delegate->answer("settings exclude");
   EXPECT_EQ(delegate->settingsWindow().selectedTab(), ostrel::Tab::Exclude);
   delegate->answer("settings");

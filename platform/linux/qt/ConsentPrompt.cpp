@@ -44,7 +44,7 @@ void record(bool granted) {
   content.message = QStringLiteral("Your choice couldn’t be saved.");
   content.informative = QString::fromStdString(*error);
   content.buttons = {QStringLiteral("OK")};
-  (new MessageDialog(content))->showAndTell([](std::size_t) {});
+  (new MessageDialog(content, dialogParent()))->showAndTell([](std::size_t) {});
 }
 
 }  // namespace
@@ -57,7 +57,7 @@ void showConsentPrompt() {
     return;
   }
   const bool wasTrusted = freedesktop::Consent::shared().isTrusted();
-  open = new MessageDialog(wasTrusted ? review() : question());
+  open = new MessageDialog(wasTrusted ? review() : question(), dialogParent());
   open->showAndTell([wasTrusted](std::size_t button) {
     if (!wasTrusted) {
       record(button == 0);
