@@ -19,6 +19,9 @@ namespace {
 
 enum Status { NotRegistered = 0, Enabled = 1, RequiresApproval = 2, NotFound = 3 };
 
+/// Tells an entry that we hid from one that was switched off elsewhere.
+constexpr const char* hiddenHere = "X-Ostrel-Hidden";
+
 bool isProgram(const std::string& path) { return path.starts_with('/') && access(path.c_str(), X_OK) == 0; }
 
 /// One argument in the quoting of Exec lines. Two layers: quotes, and then the escapes of every text in such a file.
@@ -38,7 +41,7 @@ std::string entryText(std::string_view program, bool enabled) {
       "[Desktop Entry]\nType=Application\nName=Ostrel\nComment=Change what the buttons of windows do\nIcon=ostrel\n"
       "Terminal=false\nNoDisplay=true\nExec=" +
       quoted(program) + "\nX-GNOME-Autostart-enabled=true\n";
-  if (!enabled) text += "Hidden=true\n";
+  if (!enabled) text += std::string("Hidden=true\n") + hiddenHere + "=true\n";
   return text;
 }
 
@@ -57,7 +60,7 @@ int Autostart::status() const {
     if (content.error != 0) continue;
     if (desktopEntryValue(content.text, "Hidden") == "true" ||
         desktopEntryValue(content.text, "X-GNOME-Autostart-enabled") == "false") {
-      return RequiresApproval;
+      return desktopEntryValue(content.text, hiddenHere) == "true" ? NotRegistered : RequiresApproval;
     }
     const auto entry = parseDesktopEntry(content.text, {});
     if (!entry || entry->executable.empty()) return NotRegistered;
