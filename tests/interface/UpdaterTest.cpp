@@ -106,7 +106,7 @@ class UpdaterTest : public testing::Test {
   std::shared_ptr<qt::Updater> make(const QString& address, bool isStarted = false) {
     qt::UpdaterConfiguration configuration;
     configuration.feed = QUrl(address);
-    configuration.interval = std::chrono::hours(24);
+    configuration.interval = interval;
     configuration.runningBuild = "5";
     configuration.runningVersion = "1.5";
     configuration.stateFile = folder / "state/last-look";
@@ -120,6 +120,7 @@ class UpdaterTest : public testing::Test {
   const support::TemporaryFolder folder;
   const std::shared_ptr<Journal> journal = std::make_shared<Journal>();
   std::chrono::milliseconds timeLimit = std::chrono::seconds(30);
+  std::chrono::seconds interval = std::chrono::hours(24);
 };
 
 const QByteArray newer = feed("<item><version>6</version><shortVersionString>1.6</shortVersionString></item>");
@@ -150,9 +151,28 @@ TEST_F(UpdaterTest, CallsTheHooksAroundItsWindow) {
   updater->checkForUpdates();
   EXPECT_TRUE(said().contains("1.6"));
   EXPECT_EQ(journal->lines, QStringList{"will show 1.6 1 1"});
-  updater->checkForUpdates();  // only raises it
   QTest::keyClick(window(), Qt::Key_Escape);
   EXPECT_EQ(journal->lines, (QStringList{"will show 1.6 1 1", "attended 1.6"}));
+}
+
+TEST_F(UpdaterTest, LooksAgainEachTimeItIsAskedAndKeepsQuietAfterwards) {
+  interval = std::chrono::seconds(1);
+  const QByteArray same = feed("<item><version>5</version></item>");
+  const auto updater = make(write(same), true);
+  updater->checkForUpdates();
+  EXPECT_TRUE(said().contains("up to date"));
+  write(newer);
+  updater->checkForUpdates();
+  EXPECT_TRUE(said().contains("1.6"));
+  write(same);
+  updater->checkForUpdates();
+  EXPECT_TRUE(said().contains("up to date"));
+  EXPECT_EQ(journal->lines, (QStringList{"will show 1.6 1 1", "attended 1.6"}));
+  window()->close();
+  // Nobody asked for the look that comes next.
+  write(newer);
+  EXPECT_TRUE(said().contains("1.6"));
+  EXPECT_EQ(journal->lines.last(), "will show 1.6 1 0");
 }
 
 TEST_F(UpdaterTest, LooksByItselfWhenItIsTimeAndThenOnlyTellsOfNews) {

@@ -55,12 +55,14 @@ void Updater::scheduleNext() {
 }
 
 void Updater::checkForUpdates() {
-  isAsked_ = true;
-  if (window_) {
+  if (window_ && isLooking_) {
     window_->raise();
     window_->activateWindow();
     return;
   }
+  // What it tells may be old.
+  if (window_) window_->close();
+  isAsked_ = true;
   if (configuration_.feed.isEmpty()) {
     tellWhenAsked(
         "info.circle.fill", QStringLiteral("No update feed is configured."),
