@@ -43,7 +43,7 @@ class Window {
   /// Onto the middle of its screen.
   void center();
   void makeKeyAndOrderFront();
-  /// As the person's click on its close button.
+  /// As the person's click on its close button. Ends editing, as a click elsewhere does.
   void close();
   bool isVisible() const;
   /// Whether the view has the keyboard.

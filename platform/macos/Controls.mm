@@ -1,6 +1,7 @@
 #include "platform/Controls.h"
 
 #include <algorithm>
+#include <utility>
 
 #import "platform/macos/Bridge.h"
 #import "platform/macos/ImageNative.h"
@@ -79,11 +80,13 @@ void fillPopUp(NSPopUpButton* popUp, const Menu& menu) {
 
 @end
 
-/// Tells a C++ delegate about the end of editing.
+/// Tells a C++ delegate about the end of editing, of which there is none without a change: the framework also reports
+/// it of a field that the keyboard has only passed through.
 @interface OstrelTextFieldDelegate : NSObject <NSTextFieldDelegate> {
  @public
   ns::TextField* field;
   std::weak_ptr<ns::TextFieldDelegate> delegate;
+  bool isEdited;
 }
 @end
 
@@ -91,10 +94,17 @@ void fillPopUp(NSPopUpButton* popUp, const Menu& menu) {
 
 // Escape gives the edit up; without this a text that the formatter refuses would keep the field until it is mended.
 - (BOOL)control:(NSControl*)control textView:(NSTextView*)__unused editor doCommandBySelector:(SEL)command {
-  return command == @selector(cancelOperation:) && [control abortEditing];
+  if (command != @selector(cancelOperation:) || ![control abortEditing]) return NO;
+  isEdited = false;
+  return YES;
+}
+
+- (void)controlTextDidChange:(NSNotification*)__unused notification {
+  isEdited = true;
 }
 
 - (void)controlTextDidEndEditing:(NSNotification*)__unused notification {
+  if (!std::exchange(isEdited, false)) return;
   if (const auto strong = delegate.lock()) ns::callBack([&] { strong->controlTextDidEndEditing(*field); });
 }
 
@@ -127,6 +137,8 @@ std::shared_ptr<TextField> TextField::wrappingLabelWithString(const std::string&
 }
 TextField::TextField() : Control(std::make_unique<TextFieldNative>([[NSTextField alloc] initWithFrame:NSZeroRect])) {
   nativeView<NSTextField>(*this).usesSingleLineMode = YES;
+  // On Return alone; the delegate hears of every other end.
+  nativeView<NSTextField>(*this).cell.sendsActionOnEndEditing = NO;
 }
 
 void TextField::setStringValue(const std::string& text) {

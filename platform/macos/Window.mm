@@ -11,7 +11,9 @@
 
 @implementation OstrelWindowDelegate
 
-- (void)windowWillClose:(NSNotification*)__unused notification {
+// Closing alone leaves the field editor where it is, with what was typed.
+- (void)windowWillClose:(NSNotification*)notification {
+  [static_cast<NSWindow*>(notification.object) makeFirstResponder:nil];
   if (const auto strong = delegate.lock()) ns::callBack([&] { strong->windowWillClose(); });
 }
 

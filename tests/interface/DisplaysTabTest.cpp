@@ -120,6 +120,28 @@ TEST_F(DisplaysTabTest, LeavingAnEditedFieldStoresIt) {
   EXPECT_EQ(stepper("Top").doubleValue(), 21);
 }
 
+TEST_F(DisplaysTabTest, ClosingTheWindowStoresAnEditedFieldAndNoOther) {
+  presentDisplays();
+  auto* const editor = field("Top").native().widget->findChild<QLineEdit*>();
+  editor->setFocus();
+  settings->window()->close();
+  EXPECT_TRUE(desktop.defaults()->user.empty());
+  for (const bool isActive : {true, false}) {
+    presentDisplays();
+    editor->setFocus();
+    editor->selectAll();
+    QTest::keyClicks(editor, isActive ? "21" : "22");
+    QWidget other;
+    if (!isActive) {
+      other.show();
+      other.activateWindow();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    }
+    settings->window()->close();
+    EXPECT_EQ(controller->margins(1).top, isActive ? 21 : 22);
+  }
+}
+
 TEST_F(DisplaysTabTest, SteppersStoreAndStayWithinTheirEnds) {
   presentDisplays();
   stepper("Bottom").increment();

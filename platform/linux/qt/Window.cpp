@@ -1,6 +1,8 @@
 #include "platform/Window.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
+#include <QFocusEvent>
 #include <QWidget>
 #include <utility>
 
@@ -74,6 +76,7 @@ class WindowWidget final : public QWidget {
     return false;
   }
   void closeEvent(QCloseEvent*) override {
+    endEditing();
     if (const auto strong = delegate.lock()) strong->windowWillClose();
   }
   void keyPressEvent(QKeyEvent* event) override {
@@ -87,6 +90,16 @@ class WindowWidget final : public QWidget {
   bool focusNextPrevChild(bool next) override { return content && moveFocus(content->native(), next); }
 
  private:
+  /// As a click elsewhere does.
+  void endEditing() {
+    if (QWidget* const editor = focusWidget(); editor && editor != this) {
+      // In a window without the keyboard the toolkit takes the focus away from a field without a word.
+      QFocusEvent leaving(QEvent::FocusOut, Qt::OtherFocusReason);
+      QCoreApplication::sendEvent(editor, &leaving);
+    }
+    setFocus();
+  }
+
   void layOutContent() {
     if (!content) return;
     auto& native = content->native();
