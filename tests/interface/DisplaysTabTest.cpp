@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QTest>
+#include <algorithm>
 
 #include "platform/linux/qt/ViewNative.h"
 #include "platform/linux/qt/ViewWidget.h"

@@ -1,4 +1,5 @@
 // Where things are, in points from the top-left corner of the window's content.
+#include <algorithm>
 #include <cmath>
 
 #include "Ostrel/GradientIconView.h"
