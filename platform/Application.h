@@ -19,6 +19,7 @@ class ApplicationDelegate {
 /// The one application object. Main thread only.
 class Application : public std::enable_shared_from_this<Application> {
  public:
+  /// main() holds it until everything on screen is gone: it may end with its last holder.
   static std::shared_ptr<Application> sharedApplication();
   virtual ~Application() = default;
 

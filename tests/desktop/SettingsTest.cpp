@@ -224,6 +224,7 @@ TEST_F(SettingsTest, TheIconComesBackWithThePanel) {
   startTray();
   chooseFromTray("Quit Ostrel");
   EXPECT_EQ(desktop.ostrel().waitForExit(support::patience), 0);
+  EXPECT_EQ(desktop.ostrelLog().find("QThreadStorage"), std::string::npos) << "something outlives the toolkit";
 }
 
 TEST_F(SettingsTest, APanelOnTheSessionBusShowsTheIcon) {

@@ -51,16 +51,17 @@ struct Session {
     folder.write("tint2rc",
                  "panel_items = S\npanel_size = 600 40\npanel_position = bottom center\npanel_background_id = 0\n"
                  "systray_padding = 4 4 4\nsystray_icon_size = 24\n");
-    ns::Application::sharedApplication();
+    application = ns::Application::sharedApplication();
   }
   std::unique_ptr<support::ChildProcess> startTint2() {
     return std::make_unique<support::ChildProcess>(std::vector<std::string>{"tint2", "-c", folder / "tint2rc"});
   }
-  static Session& shared() {
-    static auto* const session = new Session;
-    return *session;
-  }
+
+  std::shared_ptr<ns::Application> application;  // the first to go
 };
+
+/// From before the first test to after the last: static objects end too late for a toolkit.
+std::unique_ptr<Session> running;
 
 struct MenuSource final : ns::MenuDelegate, std::enable_shared_from_this<MenuSource> {
   void menuNeedsUpdate(ns::Menu& menu) override {
@@ -77,6 +78,9 @@ struct MenuSource final : ns::MenuDelegate, std::enable_shared_from_this<MenuSou
 
 class TrayTest : public testing::Test {
  protected:
+  static void SetUpTestSuite() { running = std::make_unique<Session>(); }
+  static void TearDownTestSuite() { running.reset(); }
+
   TrayTest() {
     menu->setDelegate(source);
     item->setMenu(menu);
@@ -134,7 +138,7 @@ class TrayTest : public testing::Test {
     EXPECT_TRUE(QTest::qWaitFor([] { return popup() == nullptr; }, bound));
   }
 
-  Session& session = Session::shared();
+  Session& session = *running;
   support::Hands hands;
   const std::shared_ptr<MenuSource> source = std::make_shared<MenuSource>();
   const std::shared_ptr<ns::Menu> menu = std::make_shared<ns::Menu>();

@@ -90,12 +90,15 @@ class QtApplication final : public Application {
 }  // namespace
 
 std::shared_ptr<Application> Application::sharedApplication() {
-  // Never destroyed: widgets that others still hold must not outlive the toolkit.
-  static auto* const shared = [] {
+  // Held by main(), and not by a static: the toolkit has to give back what it keeps for the main thread before the
+  // objects of its libraries end. Left to them it warns, and from Qt 6.8 on may crash.
+  static std::weak_ptr<QtApplication> shared;
+  auto application = shared.lock();
+  if (!application) {
     prepareToolkit();
-    return new std::shared_ptr<Application>(std::make_shared<QtApplication>());
-  }();
-  return *shared;
+    shared = application = std::make_shared<QtApplication>();
+  }
+  return application;
 }
 
 }  // namespace ns
