@@ -34,6 +34,11 @@ def menu_shown(event):
         pass  # it is gone again
 
 
+def role_of(element):
+    role = element.get_role_name()
+    return "push button" if role == "button" else role  # the newer name, in AT-SPI 2.56 for one
+
+
 def value(element):
     interfaces = element.get_interfaces()
     if "Text" in interfaces:
@@ -46,7 +51,7 @@ def value(element):
 def controls(element):
     """Each question takes a millisecond, so that as few as possible are asked."""
     try:
-        role = element.get_role_name()
+        role = role_of(element)
         if role in REST:
             return
         if role not in HOLDERS and element.get_state_set().contains(Atspi.StateType.SHOWING):
@@ -80,7 +85,7 @@ def find(program, role, name):
     except GLib.Error:
         pass  # it is gone
     for element in controls_of(program):
-        seen = (program, element.get_role_name(), element.get_name())
+        seen = (program, role_of(element), element.get_name())
         found[seen] = element
         if seen == (program, role, name):
             return element
@@ -90,7 +95,7 @@ def find(program, role, name):
 def row(element):
     place = element.get_extents(Atspi.CoordType.SCREEN)
     states = ",".join(state.value_nick for state in element.get_state_set().get_states())
-    facts = [element.get_role_name(), element.get_name(), place.x, place.y, place.width, place.height, states]
+    facts = [role_of(element), element.get_name(), place.x, place.y, place.width, place.height, states]
     return "\t".join(map(str, [*facts, value(element)]))
 
 
