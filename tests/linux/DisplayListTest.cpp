@@ -122,6 +122,7 @@ class LiveDisplayListTest : public testing::Test {
   LiveDisplayListTest() {
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection->get(), connection->root(), XCB_CW_EVENT_MASK, &mask);
+    connection->synchronise();
   }
   static void xrandr(const std::string& arguments) {
     ASSERT_EQ(std::system(("timeout 10 xrandr " + arguments + " </dev/null >/dev/null 2>&1").c_str()), 0) << arguments;
@@ -141,7 +142,7 @@ class LiveDisplayListTest : public testing::Test {
   const support::XvfbSession session{"2400x900x24"};
   const std::unique_ptr<Connection> connection = Connection::open();
   const std::unique_ptr<Connection> other = Connection::open();
-  DisplayList displays{*connection};
+  DisplayList displays{*other, *connection};
 };
 
 TEST_F(LiveDisplayListTest, FollowsMonitorsAndTheirIdentification) {
@@ -165,6 +166,17 @@ TEST_F(LiveDisplayListTest, FollowsMonitorsAndTheirIdentification) {
   ASSERT_TRUE(isToldOfAChange());
   EXPECT_EQ(displays.screens()[1].localizedName, "Monitor 27");
   EXPECT_EQ(displays.monitors()[1].display.serial, 5U);
+
+  // An older server has outputs, which know nothing of declared monitors, or Xinerama, which does not know their names.
+  const auto outputs = listMonitors(*other, MonitorSource::Outputs);
+  ASSERT_EQ(outputs.size(), 1U);
+  EXPECT_EQ(outputs[0].connector, "screen");
+  EXPECT_EQ(outputs[0].width, 2400);
+  EXPECT_EQ(outputs[0].edid.size(), edid.size());
+  const auto heads = monitorsFromList(listMonitors(*other, MonitorSource::Xinerama));
+  ASSERT_EQ(heads.size(), 2U);
+  EXPECT_TRUE(CGRectEqualToRect(heads[0].display.bounds, displays.monitors()[0].display.bounds));
+  EXPECT_TRUE(CGRectEqualToRect(heads[1].display.bounds, displays.monitors()[1].display.bounds));
 
   xrandr("--delmonitor RIGHT --delmonitor LEFT");
   ASSERT_TRUE(isToldOfAChange());

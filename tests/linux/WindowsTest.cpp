@@ -1,5 +1,6 @@
 // Frames, moves, hiding and window managers that come and go, with real window managers.
 #include <atomic>
+#include <thread>
 
 #include "platform/linux/x11/Applications.h"
 #include "platform/linux/x11/Placement.h"
@@ -44,6 +45,21 @@ TEST_P(Windows, GoWhereTheyAreWanted) {
   ASSERT_TRUE(reaches(client, filledFrame));
   desk.set(client, "AXPosition", CGPointMake(100.4, 150.6));
   EXPECT_TRUE(reaches(client, {100, 151, filledFrame.width, filledFrame.height}));
+}
+
+TEST_P(Windows, GoWhereTheyAreWantedThoughTheConnectionForItWasClosed) {
+  ManagedWindow window(300, 200, 400, 300);
+  const xcb_window_t client = window.window();
+  desk.manage(window);
+  auto connection = x11::Connection::open();
+  const auto owned = xcb_generate_id(connection->get());
+  xcb_create_pixmap(connection->get(), 1, owned, connection->root(), 1, 1);
+  connection->synchronise();
+  x11::Placement placement(std::move(connection));
+  xcb_kill_client(desk.connection().get(), owned);
+  desk.connection().synchronise();
+  placement.want(client, {CGPointMake(10, 50), CGSizeMake(500, 400)}, desk.windowOf(client).geometry);
+  EXPECT_TRUE(reaches(client, {10, 50, 500, 400}));
 }
 
 TEST_P(Windows, RestoredBeforeTheyAreMoved) {
@@ -126,7 +142,8 @@ TEST_P(Windows, HiddenTogetherAndBackTogether) {
   desk.set(one.window(), "AXMinimized", false);
   ASSERT_TRUE(desk.waitFor([&] { return !isIconic(one.window()) && !isIconic(two.window()); }));
   EXPECT_FALSE(desk.hiding().isHidden(pid));
-  EXPECT_TRUE(desk.waitFor([&] { return desk.tracker().stackingOrder().back() == one.window(); }));
+  const x11::Atoms atoms(desk.connection());
+  EXPECT_TRUE(desk.waitFor([&] { return x11::stackingOrder(desk.connection(), atoms).back() == one.window(); }));
   EXPECT_TRUE(isIconic(aside.window())) << "iconified by hand before";
   EXPECT_FALSE(desk.hiding().hide(1));
 }
@@ -169,6 +186,32 @@ TEST(WindowTable, SurvivesWindowsThatVanishAndWindowManagersThatChange) {
   }));
   EXPECT_TRUE(
       desk.waitFor([&] { return desk.findButton(desk.windowOf(stays.window()), x11::ButtonRole::Zoom).has_value(); }));
+}
+
+TEST(WindowTable, FindsTheFrameOfAWindowThatIsHandedFromOneToAnother) {
+  const support::XvfbSession session;
+  const auto connection = x11::Connection::open();
+  support::JournalWindow client(0, 0, 10, 10);
+  std::atomic<bool> done = false;
+  std::thread framing([&] {
+    const auto manager = x11::Connection::open();
+    for (xcb_window_t frame = XCB_WINDOW_NONE, next; !done; frame = next) {
+      next = xcb_generate_id(manager->get());
+      xcb_create_window(manager->get(), XCB_COPY_FROM_PARENT, next, manager->root(), 0, 0, 10, 10, 0,
+                        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+      xcb_reparent_window(manager->get(), client.window(), next, 0, 0);
+      if (frame != XCB_WINDOW_NONE) xcb_destroy_window(manager->get(), frame);
+      // Not in step with the questions, or it would come between every two of them.
+      for (int turn = 0; turn < 5; ++turn) manager->synchronise();
+    }
+    xcb_reparent_window(manager->get(), client.window(), manager->root(), 0, 0);
+    manager->synchronise();
+  });
+  int lost = 0;
+  for (int i = 0; i < 5000; ++i) lost += x11::rootChildOf(*connection, client.window()) ? 0 : 1;
+  done = true;
+  framing.join();
+  EXPECT_EQ(lost, 0);
 }
 
 TEST(WindowTable, TellsOfTheServersEnd) {

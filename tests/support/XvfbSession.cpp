@@ -19,6 +19,12 @@ std::unique_ptr<x11::Connection> connect() {
   return connection;
 }
 
+std::vector<std::string> serverCommand(const std::string& screen, const std::string& without) {
+  std::vector<std::string> command{"Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp", "-screen", "0", screen};
+  if (!without.empty()) command.insert(command.end(), {"-extension", without});
+  return command;
+}
+
 }  // namespace
 
 bool waitReadable(int descriptor, Clock::time_point deadline) {
@@ -31,8 +37,8 @@ bool waitReadable(int descriptor, Clock::time_point deadline) {
   }
 }
 
-XvfbSession::XvfbSession(const std::string& screen)
-    : server_({"Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp", "-screen", "0", screen}) {
+XvfbSession::XvfbSession(const std::string& screen, const std::string& without)
+    : server_(serverCommand(screen, without)) {
   const auto number = server_.readLine(patience);
   if (!number) throw std::runtime_error("Xvfb did not start");
   displayName_ = ":" + *number;
@@ -59,6 +65,19 @@ void Hands::keyUp(xcb_keysym_t key) { fake(XCB_KEY_RELEASE, keycode(key), 0, 0);
 void Hands::tapKey(xcb_keysym_t key) {
   keyDown(key);
   keyUp(key);
+}
+
+void Hands::assignKey(xcb_keysym_t key) {
+  for (unsigned code = xcb_get_setup(connection_->get())->min_keycode; code <= 255; ++code) {
+    const auto mapping =
+        connection_->reply(xcb_get_keyboard_mapping_reply,
+                           xcb_get_keyboard_mapping(connection_->get(), static_cast<xcb_keycode_t>(code), 1));
+    const std::span symbols(xcb_get_keyboard_mapping_keysyms(mapping.get()), mapping->keysyms_per_keycode);
+    if (std::ranges::any_of(symbols, [](xcb_keysym_t symbol) { return symbol != XCB_NO_SYMBOL; })) continue;
+    xcb_change_keyboard_mapping(connection_->get(), 1, static_cast<xcb_keycode_t>(code), 1, &key);
+    connection_->synchronise();
+    return;
+  }
 }
 
 void Hands::fake(std::uint8_t type, xcb_keycode_t detail, int x, int y, std::chrono::milliseconds after) {

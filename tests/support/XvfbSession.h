@@ -22,7 +22,8 @@ constexpr auto patience = std::chrono::seconds(10);
 /// cannot be started.
 class XvfbSession {
  public:
-  explicit XvfbSession(const std::string& screen = "1440x900x24");
+  /// `without` names an extension that the server is to lack.
+  explicit XvfbSession(const std::string& screen = "1440x900x24", const std::string& without = {});
   const std::string& displayName() const { return displayName_; }
   pid_t serverPid() const { return server_.pid(); }
 
@@ -44,6 +45,8 @@ class Hands {
   void keyDown(xcb_keysym_t key);
   void keyUp(xcb_keysym_t key);
   void tapKey(xcb_keysym_t key);
+  /// Gives the key a place on the keyboard.
+  void assignKey(xcb_keysym_t key);
   x11::Connection& connection() { return *connection_; }
 
  private:

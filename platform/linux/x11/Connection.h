@@ -25,7 +25,8 @@ using Event = Reply<xcb_generic_event_t>;
 /// taken by one thread only.
 class Connection {
  public:
-  /// Connects to the display of that name, or to $DISPLAY. Null when there is no such server.
+  /// Connects to the display of that name, or to $DISPLAY. Null when there is no such server. From the first call on
+  /// nothing that this process writes to a peer that has gone ends it.
   static std::unique_ptr<Connection> open(const std::string& displayName = {});
   ~Connection();
   Connection(const Connection&) = delete;
@@ -38,6 +39,9 @@ class Connection {
   /// True once the server has gone or has thrown us out; nothing sent afterwards has any effect.
   bool isBroken() const { return xcb_connection_has_error(connection_) != 0; }
   void flush() const { xcb_flush(connection_); }
+  /// Whether the server has this extension; to be asked before a request of it is sent, as the library gives the whole
+  /// connection up over one that the server does not know. Waits for the server the first time.
+  bool has(xcb_extension_t& extension) const;
 
   /// The next event if one has arrived, also reading the socket; null otherwise.
   Event pollEvent() const { return Event(xcb_poll_for_event(connection_)); }

@@ -60,17 +60,15 @@ std::vector<Monitor> monitorsFromList(std::vector<ListedMonitor> listed) {
   return monitors;
 }
 
-DisplayList::DisplayList(Connection& connection) : connection_(connection) {
-  xcb_connection_t* const server = connection_.get();
-  const xcb_query_extension_reply_t* randr = xcb_get_extension_data(server, &xcb_randr_id);
-  if (randr == nullptr || randr->present == 0) return;
-  const auto version = connection_.reply(xcb_randr_query_version_reply, xcb_randr_query_version(server, 1, 5));
-  if (!version || std::pair(version->major_version, version->minor_version) < std::pair(1U, 5U)) return;
-  firstRandrEvent_ = randr->first_event;
+DisplayList::DisplayList(Connection& connection, const Connection& events)
+    : connection_(connection), source_(bestMonitorSource(connection)) {
+  if (source_ < MonitorSource::Outputs) return;
+  xcb_connection_t* const server = events.get();
+  firstRandrEvent_ = xcb_get_extension_data(server, &xcb_randr_id)->first_event;
   xcb_randr_select_input(server, connection_.root(),
                          XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                              XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
-  connection_.flush();
+  events.flush();
 }
 
 bool DisplayList::handleEvent(const xcb_generic_event_t& event) {
@@ -84,9 +82,9 @@ bool DisplayList::handleEvent(const xcb_generic_event_t& event) {
 }
 
 const std::vector<Monitor>& DisplayList::monitors() {
-  if (stale_) {
-    monitors_ = monitorsFromList(readList());
-    stale_ = monitors_.empty();
+  if (stale_.exchange(false)) {
+    monitors_ = monitorsFromList(listMonitors(connection_, source_));
+    if (monitors_.empty()) stale_ = true;
   }
   return monitors_;
 }
@@ -111,51 +109,6 @@ std::vector<desktop::Screen> DisplayList::screens() {
         {.number = ns::PropertyList{std::int64_t{monitor.identifier}}, .localizedName = monitor.localizedName});
   }
   return screens;
-}
-
-std::vector<ListedMonitor> DisplayList::readList() const {
-  xcb_connection_t* const server = connection_.get();
-  const xcb_window_t root = connection_.root();
-  std::vector<ListedMonitor> listed;
-  if (!firstRandrEvent_) {
-    if (const auto size = connection_.reply(xcb_get_geometry_reply, xcb_get_geometry(server, root))) {
-      listed.push_back(
-          {.connector = "Display", .width = size->width, .height = size->height, .primary = true, .edid = {}});
-    }
-    return listed;
-  }
-  const auto reply = connection_.reply(xcb_randr_get_monitors_reply, xcb_randr_get_monitors(server, root, 1));
-  if (!reply) return listed;
-  for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0; xcb_randr_monitor_info_next(&it)) {
-    ListedMonitor monitor{.connector = {},
-                          .x = it.data->x,
-                          .y = it.data->y,
-                          .width = it.data->width,
-                          .height = it.data->height,
-                          .primary = it.data->primary != 0,
-                          .edid = {}};
-    if (const auto name = connection_.reply(xcb_get_atom_name_reply, xcb_get_atom_name(server, it.data->name))) {
-      monitor.connector.assign(xcb_get_atom_name_name(name.get()),
-                               static_cast<std::size_t>(xcb_get_atom_name_name_length(name.get())));
-    }
-    // A monitor of several tiles has several outputs with the same identification.
-    const xcb_randr_output_t* outputs = xcb_randr_monitor_info_outputs(it.data);
-    for (int i = 0; i < xcb_randr_monitor_info_outputs_length(it.data) && monitor.edid.empty(); ++i) {
-      monitor.edid = readEdid(outputs[i]);
-    }
-    listed.push_back(std::move(monitor));
-  }
-  return listed;
-}
-
-std::vector<std::uint8_t> DisplayList::readEdid(std::uint32_t output) const {
-  constexpr std::uint32_t words = 32;  // the first block
-  const auto reply = connection_.reply(
-      xcb_randr_get_output_property_reply,
-      xcb_randr_get_output_property(connection_.get(), output, connection_.atom("EDID"), XCB_ATOM_ANY, 0, words, 0, 0));
-  if (!reply || reply->format != 8) return {};
-  const std::uint8_t* data = xcb_randr_get_output_property_data(reply.get());
-  return {data, data + xcb_randr_get_output_property_data_length(reply.get())};
 }
 
 }  // namespace x11

@@ -1,12 +1,14 @@
 // The monitors of an X11 screen as displays.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/MonitorSources.h"
 #include "platform/portable/Desktop.h"
 
 namespace x11 {
@@ -23,30 +25,20 @@ struct Monitor {
   desktop::Display display;
 };
 
-/// A monitor as the X server lists it.
-struct ListedMonitor {
-  std::string connector;
-  std::int16_t x = 0;
-  std::int16_t y = 0;
-  std::uint16_t width = 0;
-  std::uint16_t height = 0;
-  bool primary = false;
-  std::vector<std::uint8_t> edid;
-};
 /// The displays for what the server lists: the main one first and marked, the others in the server's order. Monitors
 /// without area are left out, and so is a mirror, which shows the very rectangle of an earlier one.
 std::vector<Monitor> monitorsFromList(std::vector<ListedMonitor> listed);
 
 /// The displays of one X screen: read when first asked for, and again after an event said that they changed. A list
-/// that is empty (a moment after waking up) is asked for again at the next question. Not thread-safe.
+/// that is empty (a moment after waking up) is asked for again at the next question. Main thread, but for handleEvent.
 class DisplayList {
  public:
-  /// `connection` is lent for the life of this object. Asks for RandR's events on the root window; the owner of the
-  /// connection selects StructureNotify there, because monitors that are only declared to the server announce
-  /// themselves by nothing but a ConfigureNotify of the root window.
-  explicit DisplayList(Connection& connection);
+  /// `connection` is asked, and lent for the life of this object. On `events` RandR's are selected on the root window;
+  /// the owner of that connection selects StructureNotify there, because monitors that are only declared to the server
+  /// announce themselves by nothing but a ConfigureNotify of the root window.
+  DisplayList(Connection& connection, const Connection& events);
 
-  /// To be given every event of the connection. True when the displays may have changed.
+  /// To be given every event of `events`. True when the displays may have changed. Any thread.
   bool handleEvent(const xcb_generic_event_t& event);
 
   const std::vector<Monitor>& monitors();
@@ -57,14 +49,13 @@ class DisplayList {
   std::vector<desktop::Screen> screens();
 
  private:
-  std::vector<ListedMonitor> readList() const;
-  std::vector<std::uint8_t> readEdid(std::uint32_t output) const;
-
   Connection& connection_;
-  /// Of RandR; none when the server lacks version 1.5, where the whole screen counts as one display.
+  const MonitorSource source_;
+  /// Of RandR, unless the server has none that can tell of outputs. Without it nothing but a new size of the screen is
+  /// noticed.
   std::optional<std::uint8_t> firstRandrEvent_;
   std::vector<Monitor> monitors_;
-  bool stale_ = true;
+  std::atomic<bool> stale_ = true;
 };
 
 }  // namespace x11

@@ -15,7 +15,7 @@ Hiding::Hiding(const Connection& connection, WindowTracker& tracker)
 bool Hiding::hide(pid_t pid) {
   std::vector<Window> windows = tracker_.windowsOfProcess(pid);
   if (windows.empty()) return false;
-  const auto order = tracker_.stackingOrder();
+  const auto order = stackingOrder(connection_, atoms_);
   std::ranges::sort(windows, {}, [&order](const Window& window) { return std::ranges::find(order, window.client); });
   {
     const ns::LockGuard guard(lock_);

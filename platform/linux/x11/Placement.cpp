@@ -25,6 +25,8 @@ constexpr milliseconds answeringTime{250};
 constexpr milliseconds quietTime{40};
 /// A window that was restored may still change its shadow, and with it its visible frame, once its program has drawn.
 constexpr milliseconds watchingTime{400};
+/// How long to leave a server that takes no connection alone.
+constexpr milliseconds reconnectingTime{500};
 /// The first request, the one that corrects it, and two for a decoration and a shadow that change in the meantime.
 constexpr int mostRequests = 4;
 
@@ -72,13 +74,13 @@ struct Placement::Order {
 };
 
 struct Placement::Shared {
-  explicit Shared(std::unique_ptr<Connection> newConnection)
-      : connection(std::move(newConnection)), atoms(*connection) {}
+  explicit Shared(std::shared_ptr<const Connection> newConnection)
+      : atoms(*newConnection), connection(std::move(newConnection)) {}
 
-  const std::unique_ptr<Connection> connection;
   const Atoms atoms;
   Wakeup wakeup;
   ns::Lock lock;
+  std::shared_ptr<const Connection> connection GUARDED_BY(lock);
   /// Given by the main thread's current task.
   std::unordered_map<xcb_window_t, Order> wanted GUARDED_BY(lock);
   /// Handed to the worker.
@@ -87,8 +89,10 @@ struct Placement::Shared {
   bool stopped GUARDED_BY(lock) = false;
 
   void handOver() {
+    std::shared_ptr<const Connection> used;
     {
       const ns::LockGuard guard(lock);
+      used = connection;
       for (auto& [client, order] : std::exchange(wanted, {})) {
         const auto [earlier, isFirst] = handed.try_emplace(client, order);
         if (isFirst) {
@@ -99,7 +103,7 @@ struct Placement::Shared {
         }
       }
     }
-    connection->flush();
+    used->flush();
     wakeup.signal();
   }
 
@@ -108,21 +112,22 @@ struct Placement::Shared {
     const Rect target = order.goal.appliedTo(order.known.frame());
     if (underWay.contains(client) || order.known.isConfined() || target == order.known.frame()) return false;
     underWay[client] = target;
-    follow(client);
+    follow(*connection, client);
     requestMoveResize(*connection, atoms, client, requestForFrame(target, order.known.decoration, order.known.shadow));
     return true;
   }
 
-  void follow(xcb_window_t client) const {
+  static void follow(const Connection& connection, xcb_window_t client) {
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(connection->get(), client, XCB_CW_EVENT_MASK, &mask);
+    xcb_change_window_attributes(connection.get(), client, XCB_CW_EVENT_MASK, &mask);
   }
 };
 
 Placement::Placement(std::unique_ptr<Connection> connection)
-    : shared_(std::make_shared<Shared>(std::move(connection))),
-      connection_(shared_->connection.get()),
-      atoms_(shared_->atoms) {
+    : Placement(std::shared_ptr<const Connection>(std::move(connection))) {}
+
+Placement::Placement(const std::shared_ptr<const Connection>& connection)
+    : shared_(std::make_shared<Shared>(connection)), atoms_(shared_->atoms), connection_(connection) {
   thread_ = std::thread([this] { run(); });
 }
 
@@ -169,7 +174,10 @@ void Placement::run() {
     }
     takeOrders();  // before the events, which may be the answer to what has been asked already
     while (const Event event = connection_->pollEvent()) handle(*event);
-    if (connection_->isBroken()) return;
+    if (connection_->isBroken()) {
+      reconnect();
+      continue;
+    }
     for (auto entry = jobs_.begin(); entry != jobs_.end();) {
       auto& [client, job] = *entry;
       const bool timedOut = Clock::now() >= job.deadline;
@@ -188,6 +196,28 @@ void Placement::run() {
   }
 }
 
+/// Somebody may have had the server close this connection alone, and clicks would be swallowed to no effect. What was
+/// under way on it is asked for anew.
+void Placement::reconnect() {
+  std::shared_ptr<const Connection> connection = Connection::open();
+  if (!connection) {
+    // The server has gone, or takes no more for now.
+    pollfd wakeup{shared_->wakeup.fileDescriptor(), POLLIN, 0};
+    poll(&wakeup, 1, static_cast<int>(reconnectingTime.count()));
+    return;
+  }
+  const ns::LockGuard guard(shared_->lock);
+  connection_ = shared_->connection = std::move(connection);
+  shared_->underWay.clear();
+  for (auto& [client, order] : shared_->handed) order.isAsked = false;
+  for (const auto& [client, job] : std::exchange(jobs_, {})) {
+    if (job.phase == Phase::Watching) continue;
+    const Rect& target = job.target;
+    shared_->handed.try_emplace(
+        client, Order{{CGPointMake(target.x, target.y), CGSizeMake(target.width, target.height)}, job.asked});
+  }
+}
+
 void Placement::takeOrders() {
   std::unordered_map<xcb_window_t, Order> orders;
   {
@@ -197,7 +227,7 @@ void Placement::takeOrders() {
   for (const auto& [client, order] : orders) {
     const auto [entry, isNew] = jobs_.try_emplace(client);
     Job& job = entry->second;
-    if (isNew) shared_->follow(client);
+    if (isNew) Shared::follow(*connection_, client);
     if (order.isAsked) {
       aim(client, job, order.goal.appliedTo(order.known.frame()));
       job.requests = 0;

@@ -29,7 +29,8 @@ struct PlacementGoal {
 /// screen, asks the window manager, reads back what came of it, and asks once more if that is off.
 class Placement {
  public:
-  /// Takes a connection that nobody else reads events from.
+  /// Takes a connection that nobody else reads events from. Should that end alone, another one to $DISPLAY takes its
+  /// place.
   explicit Placement(std::unique_ptr<Connection> connection);
   /// Drops what has not been carried out.
   ~Placement();
@@ -65,7 +66,9 @@ class Placement {
   struct Order;
   struct Shared;
 
+  explicit Placement(const std::shared_ptr<const Connection>& connection);
   void run();
+  void reconnect();
   void takeOrders();
   void handle(const xcb_generic_event_t& event);
   void handleMove(const xcb_configure_notify_event_t& move);
@@ -83,9 +86,9 @@ class Placement {
 
   /// Outlives this object in the tasks that are queued on the main queue.
   const std::shared_ptr<Shared> shared_;
-  const Connection* const connection_;
   const Atoms& atoms_;
-  /// Of the worker's thread.
+  // Of the worker's thread.
+  std::shared_ptr<const Connection> connection_;
   std::unordered_map<xcb_window_t, Job> jobs_;
   std::thread thread_;
 };

@@ -19,6 +19,11 @@ std::vector<std::uint32_t> propertyItems(const PropertyReply& reply) {
   return {items, items + static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) / sizeof(std::uint32_t)};
 }
 
+std::vector<std::uint32_t> readItems(const Connection& connection, xcb_window_t window, xcb_atom_t property) {
+  constexpr std::uint32_t unlimited = 1U << 20;
+  return propertyItems(receiveProperty(connection, requestProperty(connection, window, property, unlimited)));
+}
+
 std::string propertyText(const PropertyReply& reply) {
   if (!reply || reply->format != 8) return {};
   return {static_cast<const char*>(xcb_get_property_value(reply.get())),

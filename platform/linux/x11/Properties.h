@@ -21,6 +21,8 @@ PropertyReply receiveProperty(const Connection& connection, xcb_get_property_coo
 
 /// The 32-bit items of a property; empty when it is missing or of another format.
 std::vector<std::uint32_t> propertyItems(const PropertyReply& reply);
+/// Asks for a property of any length and waits for its 32-bit items.
+std::vector<std::uint32_t> readItems(const Connection& connection, xcb_window_t window, xcb_atom_t property);
 /// The bytes of a property; empty when it is missing or of another format.
 std::string propertyText(const PropertyReply& reply);
 

@@ -33,6 +33,21 @@ bool contains(const std::vector<std::uint32_t>& items, std::uint32_t item) {
   return std::find(items.begin(), items.end(), item) != items.end();
 }
 
+std::optional<pid_t> processKnownToServer(const Connection& connection, xcb_window_t window) {
+  const xcb_res_client_id_spec_t asked{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+  const auto reply =
+      connection.reply(xcb_res_query_client_ids_reply, xcb_res_query_client_ids(connection.get(), 1, &asked));
+  if (!reply) return std::nullopt;
+  for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0; xcb_res_client_id_value_next(&ids)) {
+    const auto& [kind, length] = *ids.data;
+    if ((kind.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+        xcb_res_client_id_value_value_length(ids.data) > 0) {
+      return static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data));
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 MinimizeButton WindowProperties::minimizeButton() const {
@@ -111,31 +126,30 @@ WindowProperties PropertiesRequest::receive() {
 }
 
 pid_t processOfWindow(const Connection& connection, const Atoms& atoms, xcb_window_t window) {
-  const xcb_res_client_id_spec_t asked{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
   const auto claimed = requestProperty(connection, window, atoms.netWmPid);
-  const auto reply =
-      connection.reply(xcb_res_query_client_ids_reply, xcb_res_query_client_ids(connection.get(), 1, &asked));
+  const auto known = connection.has(xcb_res_id) ? processKnownToServer(connection, window) : std::nullopt;
   const auto claim = propertyItems(receiveProperty(connection, claimed));
-  if (reply) {
-    for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0;
-         xcb_res_client_id_value_next(&ids)) {
-      const auto& [kind, length] = *ids.data;
-      if ((kind.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
-          xcb_res_client_id_value_value_length(ids.data) > 0) {
-        return static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data));
-      }
-    }
-  }
-  return claim.empty() ? 0 : static_cast<pid_t>(claim[0]);
+  return known.value_or(claim.empty() ? 0 : static_cast<pid_t>(claim[0]));
 }
 
 std::optional<xcb_window_t> rootChildOf(const Connection& connection, xcb_window_t window) {
+  constexpr int mostMoves = 100;
+  int moves = 0;
   for (xcb_window_t current = window;;) {
     const auto tree = connection.reply(xcb_query_tree_reply, xcb_query_tree(connection.get(), current));
-    if (!tree || tree->parent == XCB_WINDOW_NONE) return std::nullopt;
-    if (tree->parent == connection.root()) return current;
-    current = tree->parent;
+    if (tree && tree->parent == connection.root()) return current;
+    if (tree && tree->parent != XCB_WINDOW_NONE) {
+      current = tree->parent;
+    } else if (current != window && ++moves < mostMoves) {
+      current = window;  // a parent that goes between two questions has given the window to another one first
+    } else {
+      return std::nullopt;
+    }
   }
+}
+
+std::vector<xcb_window_t> stackingOrder(const Connection& connection, const Atoms& atoms) {
+  return readItems(connection, connection.root(), atoms.netClientListStacking);
 }
 
 }  // namespace x11

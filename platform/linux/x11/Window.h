@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/linux/x11/Atoms.h"
 #include "platform/linux/x11/Geometry.h"
@@ -105,10 +106,15 @@ class PropertiesRequest {
 };
 
 /// The process that made the window, by the X server's own knowledge of its connection; the window's claim counts only
-/// where the server does not know. 0 when neither tells. One or two round trips.
+/// where the server does not know, as one without the X-Resource extension. 0 when neither tells. One or two round
+/// trips.
 pid_t processOfWindow(const Connection& connection, const Atoms& atoms, xcb_window_t window);
 
 /// The child of the root window that holds `window`, which may be `window` itself; none when it is gone.
 std::optional<xcb_window_t> rootChildOf(const Connection& connection, xcb_window_t window);
+
+/// The managed windows, the bottommost first. Asked for when it is wanted, which is seldom, as it changes at every
+/// click.
+std::vector<xcb_window_t> stackingOrder(const Connection& connection, const Atoms& atoms);
 
 }  // namespace x11

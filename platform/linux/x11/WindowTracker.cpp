@@ -24,11 +24,6 @@ void select(const Connection& connection, xcb_window_t window, std::uint32_t mas
   xcb_change_window_attributes(connection.get(), window, XCB_CW_EVENT_MASK, &mask);
 }
 
-std::vector<std::uint32_t> readItems(const Connection& connection, xcb_window_t window, xcb_atom_t property) {
-  constexpr std::uint32_t unlimited = 1U << 20;
-  return propertyItems(receiveProperty(connection, requestProperty(connection, window, property, unlimited)));
-}
-
 }  // namespace
 
 WindowTracker::WindowTracker(std::unique_ptr<Connection> connection)
@@ -38,8 +33,11 @@ WindowTracker::~WindowTracker() { stop(); }
 
 void WindowTracker::start() {
   // Selecting first and reading afterwards: a change in between is seen twice rather than never.
-  select(*connection_, connection_->root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+  // The root window's own structure is for those who are only told of the events.
+  select(*connection_, connection_->root(),
+         XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
   refreshDirty();
+  isFollowing_ = true;
   thread_ = std::thread([this] { run(); });
 }
 
@@ -72,6 +70,7 @@ void WindowTracker::run() {
 }
 
 void WindowTracker::handle(const xcb_generic_event_t& event) {
+  if (eventObserver_) eventObserver_(event);
   switch (typeOf(event)) {
     case XCB_PROPERTY_NOTIFY:
       handleProperty(as<xcb_property_notify_event_t>(event));
@@ -239,7 +238,7 @@ void WindowTracker::add(xcb_window_t client) {
     windows_[client] = window;
     clientOfFrame_[*frame] = client;
   }
-  notify(thread_.joinable() ? WindowChange::Added : WindowChange::Present, window);
+  notify(isFollowing_ ? WindowChange::Added : WindowChange::Present, window);
 }
 
 void WindowTracker::remove(xcb_window_t client) {
@@ -301,10 +300,6 @@ std::vector<Window> WindowTracker::windowsOfProcess(pid_t pid) const {
   std::vector<Window> all = windows();
   std::erase_if(all, [pid](const Window& window) { return window.pid != pid; });
   return all;
-}
-
-std::vector<xcb_window_t> WindowTracker::stackingOrder() const {
-  return readItems(*connection_, connection_->root(), atoms_.netClientListStacking);
 }
 
 RunningWindowManager WindowTracker::windowManager() const {

@@ -34,6 +34,8 @@ class WindowTracker {
   /// Called on the tracker's thread, with the window as it is after the change (or was before its removal), and without
   /// the tracker's lock.
   using Observer = std::function<void(WindowChange, const Window&)>;
+  /// Called with every event that arrives, on the tracker's thread.
+  using EventObserver = std::function<void(const xcb_generic_event_t&)>;
   /// Called on the tracker's thread, which ends afterwards, when the X server has gone.
   using LossHandler = std::function<void()>;
 
@@ -45,6 +47,7 @@ class WindowTracker {
 
   /// Before `start` only.
   void observe(Observer observer) { observers_.push_back(std::move(observer)); }
+  void observeEvents(EventObserver observer) { eventObserver_ = std::move(observer); }
   void onLoss(LossHandler handler) { lossHandler_ = std::move(handler); }
   /// Reads the desktop as it is now, reporting its windows to the observers on this thread, and then follows it.
   void start();
@@ -56,8 +59,6 @@ class WindowTracker {
   std::optional<Window> windowOfFrame(xcb_window_t rootChild) const;
   std::vector<Window> windows() const;
   std::vector<Window> windowsOfProcess(pid_t pid) const;
-  /// The bottommost window first. Asks the X server: the order changes at every click and is seldom wanted.
-  std::vector<xcb_window_t> stackingOrder() const;
   RunningWindowManager windowManager() const;
 
  private:
@@ -77,11 +78,13 @@ class WindowTracker {
   const std::unique_ptr<Connection> connection_;
   const Atoms atoms_;
   std::vector<Observer> observers_;
+  EventObserver eventObserver_;
   LossHandler lossHandler_;
   Wakeup stop_;
   std::thread thread_;
 
-  // Of the tracker's thread.
+  // Of the tracker's thread, and before that runs, of the one that starts it.
+  bool isFollowing_ = false;
   xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
   bool windowManagerDirty_ = true;
   bool clientsDirty_ = true;

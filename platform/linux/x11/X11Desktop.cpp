@@ -45,7 +45,7 @@ X11Desktop& X11Desktop::shared() {
 X11Desktop::X11Desktop(Connections connections, std::function<void()> onLoss)
     : connection_(std::move(connections.questions)),
       identity_(freedesktop::DesktopEntries::shared()),
-      displays_(*connection_),
+      displays_(*connection_, *connections.tracking),
       titleBarButtons_([](std::uint32_t) {}),
       tracker_(std::move(connections.tracking)),
       hiding_(*connection_, tracker_),
@@ -53,11 +53,8 @@ X11Desktop::X11Desktop(Connections connections, std::function<void()> onLoss)
       placement_(std::move(connections.placement)),
       elements_(*connection_, tracker_, placement_, hiding_,
                 [this](xcb_window_t client) { return titleBarButtons_.buttons(client); }) {
-  // Monitors that are only declared to the server announce themselves by nothing but a change of the root window.
-  const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-  xcb_change_window_attributes(connection_->get(), connection_->root(), XCB_CW_EVENT_MASK, &mask);
-  connection_->flush();
   tracker_.observe([this](WindowChange change, const Window& window) { tellOfTitleBar(change, window); });
+  tracker_.observeEvents([this](const xcb_generic_event_t& event) { displays_.handleEvent(event); });
   tracker_.onLoss(std::move(onLoss));
   tracker_.start();
 }
@@ -83,6 +80,9 @@ void X11Desktop::promptForTrust() { freedesktop::Consent::shared().prompt(); }
 desktop::Element X11Desktop::systemWideElement() { return Elements::systemWide(); }
 desktop::Element X11Desktop::applicationElement(pid_t pid) { return Elements::application(pid); }
 AXError X11Desktop::elementAtPosition(CGPoint position, desktop::Element& element) {
+  // Every client is told of a new keyboard mapping, whatever it has asked for.
+  while (connection_->pollEvent()) {
+  }
   return elements_.atPosition(position, element);
 }
 AXError X11Desktop::attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) {
@@ -101,22 +101,17 @@ std::unique_ptr<desktop::EventTap> X11Desktop::createEventTap(CGEventMask mask, 
   });
 }
 
-DisplayList& X11Desktop::currentDisplays() {
-  while (const Event event = connection_->pollEvent()) displays_.handleEvent(*event);
-  return displays_;
-}
-
 CGError X11Desktop::activeDisplays(std::vector<CGDirectDisplayID>& displays) {
-  displays = currentDisplays().activeDisplays();
+  displays = displays_.activeDisplays();
   return kCGErrorSuccess;
 }
 
 std::optional<desktop::Display> X11Desktop::display(CGDirectDisplayID identifier) {
-  const Monitor* monitor = currentDisplays().monitor(identifier);
+  const Monitor* monitor = displays_.monitor(identifier);
   return monitor == nullptr ? std::nullopt : std::optional(monitor->display);
 }
 
-std::vector<desktop::Screen> X11Desktop::screens() { return currentDisplays().screens(); }
+std::vector<desktop::Screen> X11Desktop::screens() { return displays_.screens(); }
 
 std::vector<desktop::Application> X11Desktop::runningApplications() { return applications_.running(); }
 bool X11Desktop::hideApplication(pid_t pid) { return hiding_.hide(pid); }

@@ -54,7 +54,6 @@ class X11Desktop final : public desktop::Desktop {
 
  private:
   void tellOfTitleBar(WindowChange change, const Window& window);
-  DisplayList& currentDisplays();
 
   const std::unique_ptr<Connection> connection_;
   freedesktop::ApplicationIdentity identity_;
