@@ -254,6 +254,38 @@ TEST_F(EventTapTest, FollowsNumLockToAnotherModifier) {
   }));
 }
 
+TEST_F(EventTapTest, LocksOfALevelAreLockKeysAndItsModifierIsNone) {
+  constexpr xcb_keysym_t level3Shift = 0xfe03;
+  constexpr xcb_keysym_t level3Lock = 0xfe05;
+  constexpr xcb_keysym_t level5Lock = 0xfe13;
+  answer = [] { return false; };
+  startTap();
+  // Each click comes to an end before the next: the tap learns of a key by an event, and clicks go past it until it
+  // has.
+  const auto isHandledInTime = [this] {
+    const auto deadline = std::chrono::steady_clock::now() + support::patience;
+    const auto before = seen.size();
+    while (seen.size() == before && std::chrono::steady_clock::now() < deadline) {
+      const auto arrived = window.journal().size();
+      hands.click();
+      runUntil([&] { return seen.size() > before || window.journal().size() >= arrived + 2; });
+    }
+    return seen.size() > before;
+  };
+  for (const xcb_keysym_t lock : {level3Lock, level5Lock}) {
+    hands.assignKey(lock);
+    hands.tapKey(lock);
+    EXPECT_TRUE(isHandledInTime()) << std::hex << lock;
+  }
+  hands.tapKey(level3Lock);  // off
+  window.journal();          // the clicks before the tap had learnt of the key
+  window.clear();
+  hands.keyDown(level3Shift);
+  hands.click();
+  EXPECT_TRUE(runUntilJournal({"press1", "release1"}));
+  hands.keyUp(level3Shift);
+}
+
 TEST_F(EventTapTest, DestroyedInTheMiddleOfAPressItPassesThePressOn) {
   answer = [this] {
     tap.reset();

@@ -1,20 +1,9 @@
 #include "platform/linux/qt/ClickEvents.h"
 
-// The protocol's header has a member of that name.
-#if defined(__clang__)
-#pragma clang diagnostic push
-#pragma clang diagnostic ignored "-Wkeyword-macro"
-#endif
-#define explicit isExplicit  // NOLINT
-#include <xcb/xkb.h>
-#undef explicit
-#if defined(__clang__)
-#pragma clang diagnostic pop
-#endif
-
 #include <QGuiApplication>
 #include <QWindow>
 
+#include "platform/linux/XkbProtocol.h"
 #include "platform/linux/qt/ToolkitConnection.h"
 
 namespace qt {
@@ -23,6 +12,9 @@ namespace {
 /// The toolkit asks for all of the keyboard's state and the mouse buttons come with that, though it uses none but the
 /// modifiers: an event at each press and release and each turn of the wheel, wherever.
 void ignoreButtonStates(xcb_connection_t* connection) {
+  // Without the extension the toolkit has asked for nothing of it, either.
+  const auto* const keyboard = xcb_get_extension_data(connection, &xcb_xkb_id);
+  if (keyboard == nullptr || keyboard->present == 0) return;
   xcb_xkb_select_events_details_t details{};
   details.affectState = XCB_XKB_STATE_PART_POINTER_BUTTONS;
   details.stateDetails = 0;

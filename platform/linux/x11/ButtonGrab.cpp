@@ -1,38 +1,7 @@
 #include "platform/linux/x11/ButtonGrab.h"
 
-#include <algorithm>
-#include <iterator>
-#include <span>
-
 namespace x11 {
 namespace {
-
-constexpr std::uint32_t lockKeys[] = {0xff7f, 0xff14};  // XK_Num_Lock, XK_Scroll_Lock
-
-/// The modifiers that mean a lock key and nothing else; which ones is up to the keyboard's mapping.
-std::uint16_t lockModifiers(const Connection& connection) {
-  const auto& setup = *xcb_get_setup(connection.get());
-  const auto keyCount = static_cast<std::uint8_t>(setup.max_keycode - setup.min_keycode + 1);
-  const auto modifierCookie = xcb_get_modifier_mapping(connection.get());
-  const auto keyCookie = xcb_get_keyboard_mapping(connection.get(), setup.min_keycode, keyCount);
-  const auto modifiers = connection.reply(xcb_get_modifier_mapping_reply, modifierCookie);
-  const auto keys = connection.reply(xcb_get_keyboard_mapping_reply, keyCookie);
-  std::uint16_t result = XCB_MOD_MASK_LOCK;
-  if (!modifiers || !keys) return result;
-
-  const std::span symbols(xcb_get_keyboard_mapping_keysyms(keys.get()),
-                          static_cast<std::size_t>(xcb_get_keyboard_mapping_keysyms_length(keys.get())));
-  const std::span codes(xcb_get_modifier_mapping_keycodes(modifiers.get()),
-                        static_cast<std::size_t>(xcb_get_modifier_mapping_keycodes_length(modifiers.get())));
-  for (std::size_t index = 0; index < codes.size(); ++index) {
-    if (codes[index] < setup.min_keycode) continue;  // an unused place
-    const auto first = static_cast<std::size_t>(codes[index] - setup.min_keycode) * keys->keysyms_per_keycode;
-    const auto meanings = symbols.subspan(first, keys->keysyms_per_keycode);
-    if (std::ranges::find_first_of(meanings, lockKeys) == meanings.end()) continue;
-    result = static_cast<std::uint16_t>(result | (1U << (index / modifiers->keycodes_per_modifier)));
-  }
-  return result & static_cast<std::uint16_t>(~(XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL));
-}
 
 std::set<std::uint16_t> subsets(std::uint16_t mask) {
   std::set<std::uint16_t> result{0};
@@ -46,11 +15,14 @@ std::set<std::uint16_t> subsets(std::uint16_t mask) {
 
 std::unique_ptr<ButtonGrab> ButtonGrab::acquire(Connection& connection) {
   std::unique_ptr<ButtonGrab> result(new ButtonGrab(connection));
-  for (const auto modifiers : subsets(lockModifiers(connection))) {
+  for (const auto modifiers : subsets(result->lockKeys_->modifiers())) {
     if (!result->grab(modifiers)) return nullptr;
   }
   return connection.isBroken() ? nullptr : std::move(result);
 }
+
+ButtonGrab::ButtonGrab(Connection& connection)
+    : connection_(connection), lockKeys_(std::make_unique<LockKeys>(connection)) {}
 
 ButtonGrab::~ButtonGrab() {
   for (const auto modifiers : modifiers_) {
@@ -59,8 +31,10 @@ ButtonGrab::~ButtonGrab() {
   connection_.synchronise();
 }
 
-void ButtonGrab::update() {
-  const auto wanted = subsets(lockModifiers(connection_));
+void ButtonGrab::follow(const xcb_generic_event_t& event) {
+  if (!lockKeys_->areChangedBy(event)) return;
+  lockKeys_ = std::make_unique<LockKeys>(connection_);
+  const auto wanted = subsets(lockKeys_->modifiers());
   for (const auto modifiers : wanted) {
     if (!modifiers_.contains(modifiers)) grab(modifiers);
   }

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/LockKeys.h"
 
 namespace x11 {
 
@@ -22,14 +23,18 @@ class ButtonGrab {
   ButtonGrab(const ButtonGrab&) = delete;
   ButtonGrab& operator=(const ButtonGrab&) = delete;
 
-  /// Follows a change of the keys' meaning: lock keys may have got another modifier.
-  void update();
+  /// To be given every event of the connection: lock keys may get another modifier.
+  void follow(const xcb_generic_event_t& event);
+  /// Whether a press with this state has come although a modifier key is held, one that sets the same modifier as some
+  /// lock key.
+  bool isModifierHeld(std::uint16_t state) const { return lockKeys_->isHeld(state); }
 
  private:
-  explicit ButtonGrab(Connection& connection) : connection_(connection) {}
+  explicit ButtonGrab(Connection& connection);
   bool grab(std::uint16_t modifiers);
 
   Connection& connection_;
+  std::unique_ptr<LockKeys> lockKeys_;
   std::set<std::uint16_t> modifiers_;
 };
 

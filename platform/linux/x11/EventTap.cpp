@@ -106,10 +106,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
   void take(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7f;
     if (type == XCB_BUTTON_PRESS) press(reinterpret_cast<const xcb_button_press_event_t&>(event));
-    if (type == XCB_MAPPING_NOTIFY &&
-        reinterpret_cast<const xcb_mapping_notify_event_t&>(event).request != XCB_MAPPING_POINTER) {
-      grab_->update();
-    }
+    grab_->follow(event);
   }
 
   void press(const xcb_button_press_event_t& event) {
@@ -117,7 +114,7 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
     if ((event.state & anyButton) != 0) return;
     const CGPoint position{static_cast<CGFloat>(event.root_x), static_cast<CGFloat>(event.root_y)};
     // Taken over: an old press, read after a long stop, that has gone on its way already.
-    if (!enabled_ || isTakenOver() || !filter_(event.child, position)) {
+    if (!enabled_ || isTakenOver() || !filter_(event.child, position) || grab_->isModifierHeld(event.state)) {
       settle(*connection_, event.time, true);
       return;
     }
