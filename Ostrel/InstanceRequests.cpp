@@ -3,15 +3,27 @@
 #include <algorithm>
 
 #include "Ostrel/Tab.h"
+#include "platform/HelperProcess.h"
 
 namespace ostrel {
 namespace {
 
 constexpr std::string_view settingsWord = "settings";
 
+/// One line of the answer: title, tab stop, value. A name with a line feed in it must not make two lines.
+std::string line(std::string_view title, std::string value) {
+  std::replace(value.begin(), value.end(), '\n', ' ');
+  return std::string(title) + '\t' + value + '\n';
+}
+
 std::string tapState(const OstrelController& controller) {
   if (controller.isTapInstalled()) return "installed";
   return "not installed: " + controller.lastError().value_or("not started yet");
+}
+
+std::string watchdogState() {
+  const auto isRunning = ns::isHelperProcessRunning();
+  return isRunning ? line("Watchdog", *isRunning ? "running" : "not running") : "";
 }
 
 std::string excludedProcesses(const OstrelController& controller) {
@@ -29,12 +41,6 @@ std::string excludedApplications(const OstrelController& controller) {
   return text.empty() ? "none" : text;
 }
 
-/// One line of the answer: title, tab stop, value. A name with a line feed in it must not make two lines.
-std::string line(std::string_view title, std::string value) {
-  std::replace(value.begin(), value.end(), '\n', ' ');
-  return std::string(title) + '\t' + value + '\n';
-}
-
 }  // namespace
 
 bool isTabName(std::string_view name) { return tabWithRawValue(name).has_value(); }
@@ -47,7 +53,7 @@ std::string answerRequest(std::string_view request, const OstrelController& cont
                           const std::function<void(const std::string& tab)>& openSettings) {
   if (request == statusRequest) {
     return line("Event tap", tapState(controller)) + line("Last error", controller.lastError().value_or("none")) +
-           line("Excluded apps", excludedApplications(controller)) +
+           watchdogState() + line("Excluded apps", excludedApplications(controller)) +
            line("Excluded processes", excludedProcesses(controller));
   }
   if (request.substr(0, settingsWord.size()) == settingsWord) {

@@ -9,6 +9,7 @@
 #include "platform/SingleInstance.h"
 
 int main(int argc, char** argv) {
+  ns::becomeHelperProcess(argv[0]);
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   const ostrel::CommandLine commandLine = ostrel::parseCommandLine(arguments);
   if (const auto status = ostrel::perform(commandLine)) return *status;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/HelperProcess.h"
+
 namespace simulated {
 namespace {
 
@@ -46,6 +48,8 @@ Services::~Services() { current = previous_; }
 Services& Services::installed() { return *current; }
 
 }  // namespace simulated
+
+std::optional<bool> ns::isHelperProcessRunning() { return std::nullopt; }
 
 sm::AppService& sm::AppService::mainAppService() { return simulated::Services::installed().loginItem; }
 

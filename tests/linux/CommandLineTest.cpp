@@ -156,6 +156,7 @@ TEST_F(ProgramOnDesktopTest, LaterStartsTalkToTheRunningInstance) {
   EXPECT_NE(run("doctor").output.find("Two lines"), std::string::npos);
   ASSERT_EQ(run("accessibility grant").status, 0);
   EXPECT_TRUE(doctorComesToSay("installed\n"));
+  EXPECT_TRUE(doctorComesToSay("Watchdog            running\n"));
 
   EXPECT_EQ(run("").status, 0);
   EXPECT_EQ(run("settings displays").status, 0);

@@ -21,6 +21,7 @@ void say(const char* line) {
 /// What its first press does to it: "pass", "stop" (SIGSTOP before an answer that swallows it and an action), "kill"
 /// (SIGKILL before the answer) or "hang" (the tap's own thread never comes back).
 int main(int argc, char** argv) {
+  ns::becomeHelperProcess(argv[0]);
   ns::startHelperProcess();
   const QCoreApplication application(argc, argv);
   std::string mode = argc > 1 ? argv[1] : "pass";

@@ -6,6 +6,9 @@
 #include <sys/wait.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <thread>
 
 #include "tests/support/XvfbSession.h"
 
@@ -26,6 +29,37 @@ class WatchdogTest : public testing::Test {
   void startHost(const std::string& mode) {
     host = std::make_unique<support::ChildProcess>(std::vector<std::string>{TAP_HOST, mode});
     ASSERT_EQ(host->readLine(support::patience), "ready");
+  }
+  /// Whether it is a watchdog that has the tap's connection and one of its own beside the host's. One that is about to
+  /// be started has the host's descriptors for a moment, but not the name.
+  static bool isWatching(pid_t process) {
+    const std::string folder = "/proc/" + std::to_string(process);
+    std::string name;
+    std::getline(std::ifstream(folder + "/comm"), name);
+    if (name != "ostrel-watchdog") return false;
+    std::error_code gone;
+    int sockets = 0;
+    for (std::filesystem::directory_iterator file(folder + "/fd", gone), end; !gone && file != end;
+         file.increment(gone)) {
+      const bool isOutput = file->path().filename() == "1" || file->path().filename() == "2";
+      const auto target = std::filesystem::read_symlink(file->path(), gone).string();
+      if (!isOutput && target.starts_with("socket:")) ++sockets;
+    }
+    return sockets == 3;
+  }
+  /// The host's child that watches, another one than `former`; 0 when there is none in time.
+  pid_t waitForWatchdog(pid_t former) const {
+    for (const auto deadline = Clock::now() + support::patience; Clock::now() < deadline; std::this_thread::yield()) {
+      // Children belong to the thread that made them, and to the first one after its end.
+      for (const auto& thread : std::filesystem::directory_iterator("/proc/" + std::to_string(host->pid()) + "/task")) {
+        std::ifstream children(thread.path() / "children");
+        pid_t child = 0;
+        while (children >> child) {
+          if (child != former && isWatching(child)) return child;
+        }
+      }
+    }
+    return 0;
   }
   /// Returns when it stands still.
   void stopHost() {
@@ -90,6 +124,21 @@ TEST_F(WatchdogTest, FreesTheMouseFromATapStoppedInTheMiddleOfAPress) {
   EXPECT_EQ(host->readLine(support::patience), "press");
   host->signal(SIGCONT);
   expectTapToComeBack();  // and nothing else: the press has gone its way and is not acted upon
+}
+
+TEST_F(WatchdogTest, ADeadWatchdogIsStartedAgain) {
+  startHost("pass");
+  const pid_t first = waitForWatchdog(0);
+  ASSERT_GT(first, 0);
+  kill(first, SIGKILL);
+  const pid_t second = waitForWatchdog(first);
+  ASSERT_GT(second, 0);
+  kill(second, SIGKILL);  // so soon that there is a pause
+  ASSERT_GT(waitForWatchdog(second), 0);
+  stopHost();
+  expectMouseToComeFree();
+  host->signal(SIGCONT);
+  expectTapToComeBack();
 }
 
 TEST_F(WatchdogTest, FreesTheMouseFromATapWhoseThreadHangs) {

@@ -222,6 +222,8 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
 
   void wait(std::optional<milliseconds> timeout) {
     auto* watchdog = Watchdog::shared();
+    const auto nextStart = watchdog != nullptr ? watchdog->keepAlive(connection_.get()) : std::nullopt;
+    if (nextStart && (!timeout || *nextStart < *timeout)) timeout = nextStart;
     pollfd sources[] = {{connection_ ? connection_->fileDescriptor() : -1, POLLIN, 0},
                         {wake_.fileDescriptor(), POLLIN, 0},
                         {watchdog != nullptr ? watchdog->fileDescriptor() : -1, POLLIN, 0}};

@@ -1,330 +1,165 @@
 #include "platform/linux/x11/Watchdog.h"
 
-#include <poll.h>
-#include <sched.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
-#include <xcb/xinput.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstring>
-#include <fstream>
-#include <iterator>
+#include <cerrno>
 #include <memory>
 #include <new>
-#include <optional>
-#include <string>
-#include <utility>
+#include <string_view>
 
 #include "platform/HelperProcess.h"
-#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/WatchdogProcess.h"
 
 namespace x11 {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using std::chrono::milliseconds;
-
-// The tap answers a press within 50 ms whatever the main thread does, so there is nothing to ask before. A process that
-// is silent and stopped is thrown out soon; one that is merely silent may be short of processor time and gets longer,
-// as it would have to connect anew. All of it must fit well into the 250 ms that the mouse may be frozen at most, since
-// this process may be short of time as well.
-constexpr auto untilQuestion = milliseconds(60);
-constexpr auto untilDoubt = milliseconds(20);
-constexpr auto untilEnd = milliseconds(40);
-constexpr auto untilClosed = milliseconds(1000);
-
-struct Message {
-  std::uint32_t kind;
-  std::uint32_t value;
-};
-enum Kind : std::uint32_t { Watch, Question, Idle, Pending };
-
-/// A message as the system calls want it, with room for one descriptor.
-struct Envelope {
-  explicit Envelope(Message& message) : content{&message, sizeof message} {
-    header.msg_iov = &content;
-    header.msg_iovlen = 1;
-    header.msg_control = rights;
-    header.msg_controllen = sizeof rights;
-  }
-  Envelope(const Envelope&) = delete;
-  Envelope& operator=(const Envelope&) = delete;
-
-  void put(int descriptor) {
-    cmsghdr& place = *CMSG_FIRSTHDR(&header);
-    place.cmsg_level = SOL_SOCKET;
-    place.cmsg_type = SCM_RIGHTS;
-    place.cmsg_len = CMSG_LEN(sizeof descriptor);
-    std::memcpy(CMSG_DATA(&place), &descriptor, sizeof descriptor);
-  }
-  /// The descriptor that came along, now the caller's; -1 for none.
-  int take() {
-    int descriptor = -1;
-    const cmsghdr* const place = CMSG_FIRSTHDR(&header);
-    if (place != nullptr && place->cmsg_type == SCM_RIGHTS) {
-      std::memcpy(&descriptor, CMSG_DATA(place), sizeof descriptor);
-    }
-    return descriptor;
-  }
-
-  iovec content;
-  alignas(cmsghdr) char rights[CMSG_SPACE(sizeof(int))]{};
-  msghdr header{};
-};
-
-bool isStopped(pid_t process) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  const auto name = text.rfind(") ");  // the name may itself hold brackets and blanks
-  return name != std::string::npos && name + 2 < text.size() && (text[name + 2] == 'T' || text[name + 2] == 't');
-}
-
-/// The watchdog's own side.
-class Guard {
- public:
-  Guard(int socket, pid_t process, Watchdog::Notes& notes) : socket_(socket), process_(process), notes_(notes) {}
-
-  /// Returns when the application is gone, with its press passed on.
-  void run() {
-    for (;;) {
-      // Presses that come while a check is ahead wait for it: to be woken by each would only take time from the tap.
-      const bool isWatching = connection_ && !next_;
-      pollfd sources[] = {{socket_, POLLIN, 0}, {isWatching ? connection_->fileDescriptor() : -1, POLLIN, 0}};
-      if (poll(sources, std::size(sources), timeout()) < 0) continue;
-      if (sources[0].revents != 0 && !receive()) return free();
-      if (!next_) {
-        takePresses();
-        if (youngest_) wait(Stage::Hoping, youngest_->seen);
-      }
-      if (next_ && Clock::now() >= *next_) check();
-    }
-  }
-
- private:
-  /// What lies ahead: look whether the tap has settled the press by itself, ask it, see whether the process is stopped,
-  /// lose patience.
-  enum class Stage { Hoping, Wondering, Asked, Doubted };
-  struct Press {
-    xcb_timestamp_t time;    // the server's
-    Clock::time_point seen;  // when it would have woken us
-    bool alone;              // no other press that we know of has the same time
-  };
-
-  int timeout() const {
-    if (!next_) return -1;
-    const auto left = std::chrono::ceil<milliseconds>(*next_ - Clock::now());
-    return static_cast<int>(std::max(left.count(), milliseconds::rep{0}));
-  }
-
-  bool receive() {
-    Message message{};
-    Envelope envelope(message);
-    if (recvmsg(socket_, &envelope.header, MSG_CMSG_CLOEXEC) != sizeof message) return false;
-    if (message.kind == Watch) {
-      watch(envelope.take(), message.value);
-    } else if ((stage_ == Stage::Asked || stage_ == Stage::Doubted) && message.value == question_) {
-      if (message.kind == Pending) {
-        wait(Stage::Wondering, Clock::now());
-      } else {
-        rest();
-      }
-    }
-    return true;
-  }
-
-  void watch(int tap, xcb_window_t root) {
-    letGo();
-    tap_ = tap;
-    root_ = root;
-    notes_.hasTakenOver = false;
-    rest();
-    if (tap_ < 0) return;
-    if (!connection_ || connection_->isBroken()) {
-      connection_ = Connection::open();
-      if (connection_ && !selectPresses()) connection_.reset();
-    }
-    // The tap may have met a press before we were there to see it.
-    if (connection_) wait(Stage::Wondering, Clock::now());
-  }
-
-  bool selectPresses() {
-    xcb_connection_t* const connection = connection_->get();
-    const auto* extension = xcb_get_extension_data(connection, &xcb_input_id);
-    if (extension == nullptr || extension->present == 0) return false;
-    inputOpcode_ = extension->major_opcode;
-    // Since 2.1 raw events also come while another client has grabbed the device.
-    connection_->reply(xcb_input_xi_query_version_reply, xcb_input_xi_query_version(connection, 2, 2));
-    const struct {
-      xcb_input_event_mask_t head;
-      std::uint32_t mask;
-    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS};
-    return !connection_->check(xcb_input_xi_select_events_checked(connection, connection_->root(), 1, &selection.head));
-  }
-
-  /// Reads the presses that have arrived, to keep the youngest in mind.
-  void takePresses() {
-    while (const auto event = connection_ ? connection_->pollEvent() : nullptr) {
-      if ((event->response_type & 0x7f) != XCB_GE_GENERIC) continue;
-      const auto& press = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(*event);
-      if (press.extension != inputOpcode_ || press.event_type != XCB_INPUT_RAW_BUTTON_PRESS) continue;
-      if (press.detail >= 4 && press.detail <= 7) continue;  // the wheels
-      if (tap_ < 0) continue;
-      auto seen = Clock::now();
-      if (youngest_) seen = std::min(seen, youngest_->seen + milliseconds(press.time - youngest_->time));
-      youngest_ = Press{press.time, seen, press.time != std::exchange(latestTime_, press.time)};
-    }
-    if (connection_ && connection_->isBroken()) connection_.reset();
-  }
-
-  void wait(Stage stage, Clock::time_point since) {
-    stage_ = stage;
-    next_ = since + untilQuestion;
-  }
-
-  void rest() {
-    next_.reset();
-    youngest_.reset();
-  }
-
-  void check() {
-    switch (stage_) {
-      case Stage::Hoping:
-        takePresses();
-        if (youngest_->alone && youngest_->time == notes_.lastSettled) return rest();
-        if (Clock::now() < youngest_->seen + untilQuestion) return wait(Stage::Hoping, youngest_->seen);
-        return ask();  // not settled, or none of the tap's: of another button, say
-      case Stage::Wondering:
-        return ask();
-      case Stage::Asked:
-        if (isStopped(process_)) return free();
-        stage_ = Stage::Doubted;
-        next_ = Clock::now() + untilEnd;
-        return;
-      case Stage::Doubted:
-        return free();
-    }
-  }
-
-  void ask() {
-    const Message message{Question, ++question_};
-    ::send(socket_, &message, sizeof message, MSG_NOSIGNAL | MSG_DONTWAIT);
-    stage_ = Stage::Asked;
-    next_ = Clock::now() + untilDoubt;
-  }
-
-  /// Gives up the grab and passes the press on in the tap's place, then has the server throw the tap out, so that it
-  /// learns of it. The server listens to nobody but the client that has the grab, so it takes that client's own socket.
-  /// What the client sends goes out whole, as it is little, so this does not come in the middle of it.
-  void free() {
-    rest();
-    if (tap_ < 0) return;
-    notes_.hasTakenOver = true;  // first, since the tap may wake up at any moment and read the same press
-    const struct {
-      xcb_ungrab_button_request_t ungrab;
-      xcb_allow_events_request_t replay;
-    } requests{{XCB_UNGRAB_BUTTON, XCB_BUTTON_INDEX_1, sizeof requests.ungrab / 4, root_, XCB_MOD_MASK_ANY, {}},
-               {XCB_ALLOW_EVENTS, XCB_ALLOW_REPLAY_POINTER, sizeof requests.replay / 4, XCB_CURRENT_TIME}};
-    ::send(tap_, &requests, sizeof requests, MSG_NOSIGNAL | MSG_DONTWAIT);
-    shutdown(tap_, SHUT_WR);
-    // The last to close the socket must leave the server time to read, or it drops what it has not read.
-    pollfd end{tap_, POLLRDHUP, 0};
-    poll(&end, 1, static_cast<int>(untilClosed.count()));
-    letGo();
-  }
-
-  void letGo() {
-    if (tap_ >= 0) close(tap_);
-    tap_ = -1;
-  }
-
-  const int socket_;
-  const pid_t process_;
-  Watchdog::Notes& notes_;
-  std::unique_ptr<Connection> connection_;
-  std::uint8_t inputOpcode_ = 0;
-  int tap_ = -1;  // the socket of its connection
-  xcb_window_t root_ = XCB_WINDOW_NONE;
-  std::optional<Clock::time_point> next_;
-  std::optional<Press> youngest_;  // of those seen since we last were at rest
-  xcb_timestamp_t latestTime_ = XCB_CURRENT_TIME;
-  Stage stage_ = Stage::Hoping;
-  std::uint32_t question_ = 0;
-};
+constexpr auto betweenStarts = std::chrono::milliseconds(1000);
+/// What a watchdog is called that was started as a program.
+char programName[] = "ostrel-watchdog";
 
 std::unique_ptr<Watchdog>& instance() {
   static std::unique_ptr<Watchdog> watchdog;
   return watchdog;
 }
 
+/// The ends of a connection that keeps messages apart.
+bool connectEnds(int (&ends)[2]) { return socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) == 0; }
+
 }  // namespace
 
 void Watchdog::start() {
-  void* const memory = mmap(nullptr, sizeof(Notes), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  if (memory == MAP_FAILED) return;
-  auto* const notes = new (memory) Notes;
-  int sockets[2];
-  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0) return;
+  const int memory = memfd_create("watchdog-notes", MFD_CLOEXEC);
+  if (memory < 0) return;
+  void* const mapped = ftruncate(memory, sizeof(WatchdogNotes)) == 0
+                           ? mmap(nullptr, sizeof(WatchdogNotes), PROT_READ | PROT_WRITE, MAP_SHARED, memory, 0)
+                           : MAP_FAILED;
+  if (mapped == MAP_FAILED) {
+    close(memory);
+    return;
+  }
+  instance().reset(new Watchdog(memory, *new (mapped) WatchdogNotes));
+  instance()->forkNow();
+}
+
+void Watchdog::forkNow() {
+  int ends[2];
+  if (!connectEnds(ends)) return;
   const pid_t application = getpid();
   const pid_t child = fork();
   if (child == 0) {
-    close(sockets[0]);
-    setsid();  // what stops or ends the terminal's process group must not do so to this process as well
-    prctl(PR_SET_NAME, "ostrel-watchdog");
-    // A press may wake it together with the tap, and the tap must not wait for it: a batch task displaces no other. (An
-    // idle task would not either, but on busy cores it may then be kept waiting for longer than a mouse may stand
-    // still.)
-    const sched_param priority{};
-    sched_setscheduler(0, SCHED_BATCH, &priority);
-    Guard(sockets[1], application, *notes).run();
+    close(ends[0]);
+    runWatchdog(ends[1], application, notes_);
     _exit(0);
   }
-  close(sockets[1]);
+  close(ends[1]);
   if (child < 0) {
-    close(sockets[0]);
-  } else {
-    instance().reset(new Watchdog(sockets[0], *notes));
+    close(ends[0]);
+    return;
   }
+  socket_ = ends[0];
+  process_ = child;
+}
+
+/// By now there are threads, and a fork could find their locks taken for good. So it is this program anew.
+void Watchdog::startAnew() {
+  int ends[2];
+  if (!connectEnds(ends)) return;
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, ends[1], STDIN_FILENO);
+  char* const arguments[] = {programName, nullptr};
+  pid_t child = 0;
+  // By this name the file is found even when another version has taken its place on disk.
+  const int error = posix_spawn(&child, "/proc/self/exe", &actions, nullptr, arguments, environ);
+  posix_spawn_file_actions_destroy(&actions);
+  close(ends[1]);
+  if (error != 0) {
+    close(ends[0]);
+    return;
+  }
+  socket_ = ends[0];
+  process_ = child;
+  send(WatchdogMessage::Notes, 0, notesMemory_);
 }
 
 Watchdog* Watchdog::shared() { return instance().get(); }
 
+std::optional<std::chrono::milliseconds> Watchdog::keepAlive(const Connection* watched) {
+  if (socket_ >= 0) return std::nullopt;
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(lastStart_ + betweenStarts - Clock::now());
+  if (left.count() > 0) return left;
+  lastStart_ = Clock::now();
+  startAnew();
+  if (socket_ < 0) return betweenStarts;
+  watch(watched);
+  return std::nullopt;
+}
+
+bool Watchdog::isRunning() const {
+  siginfo_t state{};
+  const pid_t process = process_;
+  return process > 0 && waitid(P_PID, static_cast<id_t>(process), &state, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+         state.si_pid == 0;
+}
+
 void Watchdog::watch(const Connection* connection) {
-  Message message{Watch, XCB_WINDOW_NONE};
-  Envelope envelope(message);
   if (connection != nullptr) {
-    message.value = connection->root();
-    envelope.put(connection->fileDescriptor());
+    send(WatchdogMessage::Watch, connection->root(), connection->fileDescriptor());
   } else {
-    envelope.header.msg_controllen = 0;
+    send(WatchdogMessage::Watch, XCB_WINDOW_NONE);
   }
-  if (socket_ >= 0) sendmsg(socket_, &envelope.header, MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
 void Watchdog::answer(bool pressPending) {
-  Message message{};
+  WatchdogMessage message{};
   const auto length = recv(socket_, &message, sizeof message, MSG_DONTWAIT);
   if (length == sizeof message) {
-    send(pressPending ? Pending : Idle, message.value);
-  } else if (length == 0) {
-    close(socket_);
-    socket_ = -1;
+    send(pressPending ? WatchdogMessage::Pending : WatchdogMessage::Idle, message.value);
+  } else if (length == 0 || (length < 0 && errno == ECONNRESET)) {
+    bury();
   }
 }
 
-void Watchdog::send(std::uint32_t kind, std::uint32_t value) {
-  const Message message{kind, value};
-  if (socket_ >= 0) ::send(socket_, &message, sizeof message, MSG_NOSIGNAL | MSG_DONTWAIT);
+void Watchdog::send(WatchdogMessage::Kind kind, std::uint32_t value, int descriptor) {
+  if (socket_ < 0) return;
+  WatchdogMessage message{kind, value};
+  WatchdogEnvelope envelope(message);
+  if (descriptor >= 0) {
+    envelope.put(descriptor);
+  } else {
+    envelope.header.msg_controllen = 0;
+  }
+  if (sendmsg(socket_, &envelope.header, MSG_NOSIGNAL | MSG_DONTWAIT) < 0 && (errno == EPIPE || errno == ECONNRESET)) {
+    bury();
+  }
+}
+
+void Watchdog::bury() {
+  close(socket_);
+  socket_ = -1;
+  waitpid(process_.exchange(0), nullptr, 0);
 }
 
 }  // namespace x11
 
 namespace ns {
 
+void becomeHelperProcess(std::string_view calledAs) {
+  if (calledAs != x11::programName) return;
+  x11::runWatchdogForParent();
+  _exit(0);
+}
+
 void startHelperProcess() { x11::Watchdog::start(); }
+
+std::optional<bool> isHelperProcessRunning() {
+  const auto* const watchdog = x11::Watchdog::shared();
+  return watchdog != nullptr && watchdog->isRunning();
+}
 
 }  // namespace ns

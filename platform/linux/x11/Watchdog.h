@@ -8,35 +8,35 @@
 // watchdog sleeps without a timer.
 //
 // It is forked and not started as a program of its own: so it shares the memory that is there at the start of main
-// instead of loading every library again, and nothing has to be found on disk.
+// instead of loading every library again. Only one that dies, as when memory is short, has its place taken by this
+// program started anew.
 #pragma once
 
-#include <xcb/xcb.h>
+#include <sys/types.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <optional>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/WatchdogMessages.h"
 
 namespace x11 {
 
-/// The application's end. Used by one thread at a time, the tap's, but for settled().
+/// The application's end. Used by one thread at a time, the tap's, but for what any thread may call.
 class Watchdog {
  public:
-  /// What both processes see.
-  struct Notes {
-    /// Written by the tap: the time of the press that it has answered last.
-    std::atomic<xcb_timestamp_t> lastSettled = XCB_CURRENT_TIME;
-    /// Written by the watchdog.
-    std::atomic<bool> hasTakenOver = false;
-    static_assert(decltype(lastSettled)::is_always_lock_free && decltype(hasTakenOver)::is_always_lock_free);
-  };
-
   /// Forks the process; see ns::startHelperProcess.
   static void start();
-  /// Null when none was started.
+  /// Null when it was never started.
   static Watchdog* shared();
 
+  /// Starts the process again if it has died, at most once a second, and has it watch over that connection, or none.
+  /// Returns how long to wait before the next call; none while it runs.
+  std::optional<std::chrono::milliseconds> keepAlive(const Connection* watched);
+  /// Any thread.
+  bool isRunning() const;
   /// Readable when answer() has something to do; -1 when the process is gone.
   int fileDescriptor() const { return socket_; }
   /// Has it watch over that connection, whose socket it then shares; null for none. To be told again after it has
@@ -44,17 +44,26 @@ class Watchdog {
   void watch(const Connection* connection);
   /// Notes that the press with that time has been answered and so holds the pointer no longer. Any thread.
   void settled(xcb_timestamp_t press) { notes_.lastSettled = press; }
-  /// Whether it has passed a press on itself and given the connection up.
-  bool hasTakenOver() const { return socket_ >= 0 && notes_.hasTakenOver; }
+  /// Whether it has passed a press on itself and given the connection up. Any thread.
+  bool hasTakenOver() const { return notes_.hasTakenOver; }
   /// Answers the question that has arrived. `pressPending`: the pointer is frozen and the tap knows; ask again soon.
   void answer(bool pressPending);
 
  private:
-  Watchdog(int socket, Notes& notes) : socket_(socket), notes_(notes) {}
-  void send(std::uint32_t kind, std::uint32_t value);
+  using Clock = std::chrono::steady_clock;
 
-  int socket_;
-  Notes& notes_;
+  Watchdog(int notesMemory, WatchdogNotes& notes) : notesMemory_(notesMemory), notes_(notes) {}
+  void forkNow();
+  void startAnew();
+  void send(WatchdogMessage::Kind kind, std::uint32_t value, int descriptor = -1);
+  void bury();
+
+  // These two live as long as the program.
+  const int notesMemory_;
+  WatchdogNotes& notes_;
+  int socket_ = -1;
+  std::atomic<pid_t> process_ = 0;
+  Clock::time_point lastStart_;
 };
 
 }  // namespace x11
