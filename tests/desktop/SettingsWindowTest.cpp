@@ -81,6 +81,13 @@ TEST_P(SettingsWindowTest, StaysWhereAPersonPutsIt) {
   }
   EXPECT_EQ(openSettings(), window);
   EXPECT_TRUE(isInTheMiddle(window));
+
+  x.setState(window, states[0], true);
+  EXPECT_TRUE(happens([&] { return x.isMaximised(window); }));
+  desktop.settle();
+  x.close(window);
+  ASSERT_TRUE(happens([&] { return x.clients().empty(); }));
+  EXPECT_TRUE(isInTheMiddle(openSettings()));
 }
 
 TEST_P(SettingsWindowTest, ShowsConsentAtOnceAndHasTheKeyboardAgainAfterItsDialog) {

@@ -54,8 +54,19 @@ class WindowWidget final : public QWidget {
     if (minimumSize() != least) setMinimumSize(least);
   }
 
+  void center() {
+    // A closed window has lost the place that it would go back to.
+    if (!isVisible() && (isMaximized() || isFullScreen())) {
+      setWindowState(Qt::WindowNoState);
+      resize(contentSize);
+    }
+    centring.start();
+  }
+
   std::shared_ptr<ns::View> content;
   std::weak_ptr<ns::WindowDelegate> delegate;
+  /// As the program set it last.
+  QSize contentSize{0, 0};
   QSize contentMinimum{0, 0};
   QSize windowMinimum{0, 0};
   Centring centring{*this};
@@ -133,7 +144,10 @@ void Window::setContentView(const std::shared_ptr<View>& view) { native_->widget
 
 std::shared_ptr<View> Window::contentView() const { return native_->widget.content; }
 
-void Window::setContentSize(CGSize size) { native_->widget.resize(qt::rounded(size)); }
+void Window::setContentSize(CGSize size) {
+  native_->widget.contentSize = qt::rounded(size);
+  native_->widget.resize(native_->widget.contentSize);
+}
 
 void Window::setContentMinSize(CGSize size) {
   native_->widget.contentMinimum = qt::rounded(size);
@@ -145,7 +159,7 @@ void Window::setMinSize(CGSize size) {
   native_->widget.updateMinimum();
 }
 
-void Window::center() { native_->widget.centring.start(); }
+void Window::center() { native_->widget.center(); }
 
 void Window::makeKeyAndOrderFront() {
   auto& widget = native_->widget;
