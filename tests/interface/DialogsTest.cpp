@@ -21,6 +21,7 @@
 #include "platform/linux/qt/MenuWidget.h"
 #include "platform/linux/qt/MessageDialog.h"
 #include "platform/linux/qt/OpenPanel.h"
+#include "platform/linux/qt/Symbols.h"
 #include "tests/interface/DialogsHome.h"
 
 namespace {
@@ -77,6 +78,9 @@ TEST(MenuWidget, ShowsItemsAsTheyAreAndActsOnKeysAfterClosing) {
   EXPECT_FALSE(actions[2]->isEnabled());
 
   widget.popup({10, 10});
+  const QImage picture = widget.grab().toImage();
+  EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0) << "round corners";
+  EXPECT_EQ(qAlpha(picture.pixel(0, picture.height() / 2)), 255);
   QTest::keyClick(&widget, Qt::Key_Q, Qt::ControlModifier);
   EXPECT_TRUE(widget.isVisible());
   QTest::keyClick(&widget, Qt::Key_Comma, Qt::ControlModifier);
@@ -130,6 +134,12 @@ TEST(ConsentPrompt, AsksOneAtATimeAndRecordsTheAnswer) {
   consent.prompt();
   consent.prompt();
   EXPECT_EQ(openDialogs(), 1);
+  // One sees who asks.
+  const QImage icon = qt::drawApplicationPicture(60, 1).toImage();
+  const QImage seen = shownDialog<qt::MessageDialog>()->grab(QRect(20, 20, 60, 60)).toImage();
+  for (const QPoint point : {QPoint(12, 30), QPoint(30, 16), QPoint(30, 30), QPoint(30, 48)}) {
+    EXPECT_EQ(seen.pixelColor(point), icon.pixelColor(point)) << point.x() << ',' << point.y();
+  }
   // A key that was meant for another window allows nothing.
   QTest::keyClick(shownDialog<qt::MessageDialog>(), Qt::Key_Return);
   QTest::keyClick(shownDialog<qt::MessageDialog>(), Qt::Key_Space);

@@ -10,13 +10,12 @@ namespace {
 
 MessageContent question() {
   MessageContent content;
-  content.symbol = "accessibility";
-  content.symbolColor = ns::Color::systemBlueColor();
   content.message = QStringLiteral("“Ostrel” would like to control this computer using accessibility features.");
   content.informative = QStringLiteral(
       "Ostrel needs this to notice clicks on the title-bar buttons of other applications’ windows, and to move, resize "
       "and hide those windows. Without it, every click does what it always did.\n\n"
-      "You can change this later in Ostrel’s settings, or with the command “ostrel accessibility revoke”.");
+      "“Grant access…” in Ostrel’s settings asks you again, and the command “ostrel accessibility revoke” takes the "
+      "access back.");
   content.buttons = {QStringLiteral("Allow"), QStringLiteral("Don’t Allow")};
   content.hasDefaultButton = false;
   return content;
@@ -25,8 +24,6 @@ MessageContent question() {
 /// The same place once consent is given.
 MessageContent review() {
   MessageContent content;
-  content.symbol = "accessibility";
-  content.symbolColor = ns::Color::systemBlueColor();
   content.message = QStringLiteral("“Ostrel” may control this computer using accessibility features.");
   content.informative = QStringLiteral(
       "It notices clicks on the title-bar buttons of other applications’ windows, and moves, resizes and hides those "

@@ -11,7 +11,7 @@
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/Bezel.h"
 #include "platform/linux/qt/ImageNative.h"
-#include "platform/linux/qt/LayerPainter.h"
+#include "platform/linux/qt/Symbols.h"
 #include "platform/linux/qt/TaskBar.h"
 
 namespace qt {
@@ -20,22 +20,24 @@ namespace {
 constexpr double buttonRadius = 6;
 constexpr int textWidth = 330;
 constexpr double symbolPointSize = 36;
+/// Of the icon with the room that it leaves around itself.
+constexpr int iconSide = 60;
 
-/// A symbol that keeps its colour when light and dark change.
-class SymbolView final : public QWidget {
+/// A symbol that keeps its colour when light and dark change, or the application's icon, which has its own.
+class PictureView final : public QWidget {
  public:
-  SymbolView(const std::string& name, ns::Color tint) : tint_(tint) {
-    if (const auto symbol = ns::Image::imageWithSystemSymbolName(name)) {
-      image_ = symbol->imageWithSymbolConfiguration({symbolPointSize});
-      setFixedSize(image_->native().size().toSize());
+  PictureView(const std::string& symbol, ns::Color tint) : tint_(tint) {
+    if (const auto image = ns::Image::imageWithSystemSymbolName(symbol)) {
+      image_ = image->imageWithSymbolConfiguration({symbolPointSize});
     }
+    setFixedSize(image_ ? image_->native().size().toSize() : QSize(iconSide, iconSide));
   }
 
  protected:
   void paintEvent(QPaintEvent*) override {
-    if (!image_) return;
-    QPainter painter(this);
-    painter.drawPixmap(QPointF(), image_->native().pixmap(devicePixelRatio(), color(tint_)));
+    const double ratio = devicePixelRatio();
+    QPainter(this).drawPixmap(
+        QPointF(), image_ ? image_->native().pixmap(ratio, color(tint_)) : drawApplicationPicture(iconSide, ratio));
   }
 
  private:
@@ -78,7 +80,7 @@ void DialogButton::paintEvent(QPaintEvent*) {
   // Room for the focus ring and the shadow below.
   const QRectF face = QRectF(rect()).adjusted(2, 2, -2, -2);
   if (isDefault() && isEnabled()) {
-    QColor fill = color(ns::Color::controlAccentColor());
+    QColor fill = color(ControlColor::AccentFill);
     if (isDown()) fill = fill.darker(115);
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill);
@@ -127,9 +129,7 @@ MessageDialog::MessageDialog(const MessageContent& content, QWidget* parent)
   texts->addStretch();
   auto* const upper = new QHBoxLayout;
   upper->setSpacing(16);
-  if (!content.symbol.empty()) {
-    upper->addWidget(new SymbolView(content.symbol, content.symbolColor), 0, Qt::AlignTop);
-  }
+  upper->addWidget(new PictureView(content.symbol, content.symbolColor), 0, Qt::AlignTop);
   upper->addLayout(texts);
   auto* const row = new QHBoxLayout;
   row->setSpacing(8);

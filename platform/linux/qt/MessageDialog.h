@@ -25,6 +25,7 @@ class DialogButton final : public QPushButton {
 };
 
 struct MessageContent {
+  /// Empty for the application's own icon.
   std::string symbol;
   ns::Color symbolColor = ns::Color::systemOrangeColor();
   QString message;

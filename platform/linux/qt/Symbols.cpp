@@ -37,18 +37,20 @@ QPixmap drawSymbol(const Symbol& symbol, QSizeF size, ns::FontWeight weight, dou
   return pixmap;
 }
 
-QIcon drawApplicationIcon() {
+QPixmap drawApplicationPicture(double side, double devicePixelRatio) {
   const std::string_view svg = applicationDrawing();
   QSvgRenderer renderer(QByteArray(svg.data(), static_cast<qsizetype>(svg.size())));
+  QPixmap pixmap((QSizeF(side, side) * devicePixelRatio).toSize());
+  pixmap.setDevicePixelRatio(devicePixelRatio);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  renderer.render(&painter, QRectF(0, 0, side, side));
+  return pixmap;
+}
+
+QIcon drawApplicationIcon() {
   QIcon icon;
-  for (const int side : {16, 24, 32, 48, 64}) {
-    QPixmap pixmap(side, side);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    renderer.render(&painter);
-    painter.end();
-    icon.addPixmap(pixmap);
-  }
+  for (const int side : {16, 24, 32, 48, 64}) icon.addPixmap(drawApplicationPicture(side, 1));
   return icon;
 }
 

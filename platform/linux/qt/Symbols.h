@@ -28,7 +28,9 @@ double symbolSide(double pointSize);
 /// of this weight.
 QPixmap drawSymbol(const Symbol& symbol, QSizeF size, ns::FontWeight weight, double devicePixelRatio);
 
-/// The application's icon, for the title bars of its windows and for whatever lists windows.
+/// The application's icon, a square of this side in points.
+QPixmap drawApplicationPicture(double side, double devicePixelRatio);
+/// For the title bars of its windows and for whatever lists windows.
 QIcon drawApplicationIcon();
 
 }  // namespace qt
