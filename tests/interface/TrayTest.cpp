@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <tuple>
 
 #include "platform/Application.h"
 #include "platform/StatusBar.h"
@@ -93,21 +94,31 @@ class TrayTest : public testing::Test {
   }
 
   static QMenu* popup() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
+  /// Where a widget's window is on the X11 screen, in pixels.
+  QRect pixelsOf(const QWidget& widget) {
+    xcb_connection_t* const x11 = hands.connection().get();
+    const auto window = static_cast<xcb_window_t>(widget.winId());
+    const std::unique_ptr<xcb_translate_coordinates_reply_t, decltype(&std::free)> place(
+        xcb_translate_coordinates_reply(x11, xcb_translate_coordinates(x11, window, hands.connection().root(), 0, 0),
+                                        nullptr),
+        std::free);
+    return {QPoint(place->dst_x, place->dst_y), widget.size() * widget.devicePixelRatio()};
+  }
   /// The middle of the item's window in the tray; none while it is in none.
   std::optional<QPoint> iconCenter() {
     for (auto* widget : QApplication::topLevelWidgets()) {
       if (!widget->inherits("QSystemTrayIconSys") || !widget->isVisible()) continue;
       xcb_connection_t* const x11 = hands.connection().get();
       const auto window = static_cast<xcb_window_t>(widget->winId());
-      const auto root = hands.connection().root();
       using Tree = std::unique_ptr<xcb_query_tree_reply_t, decltype(&std::free)>;
       const Tree tree(xcb_query_tree_reply(x11, xcb_query_tree(x11, window), nullptr), std::free);
       const auto attributes = std::unique_ptr<xcb_get_window_attributes_reply_t, decltype(&std::free)>(
           xcb_get_window_attributes_reply(x11, xcb_get_window_attributes(x11, window), nullptr), std::free);
-      if (!tree || tree->parent == root || !attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE) continue;
-      const std::unique_ptr<xcb_translate_coordinates_reply_t, decltype(&std::free)> place(
-          xcb_translate_coordinates_reply(x11, xcb_translate_coordinates(x11, window, root, 0, 0), nullptr), std::free);
-      return QPoint(place->dst_x, place->dst_y) + widget->rect().center();
+      if (!tree || tree->parent == hands.connection().root() || !attributes ||
+          attributes->map_state != XCB_MAP_STATE_VIEWABLE) {
+        continue;
+      }
+      return pixelsOf(*widget).center();
     }
     return std::nullopt;
   }
@@ -134,6 +145,13 @@ class TrayTest : public testing::Test {
     EXPECT_EQ(source->updates, before + 1);
     EXPECT_EQ(popup()->actions().front()->text(), QString("Number %1").arg(before + 1));
     EXPECT_TRUE(QTest::qWaitForWindowExposed(popup()));
+    const QRect place = pixelsOf(*popup());
+    const QPoint click = *iconCenter();
+    EXPECT_NEAR(place.left(), click.x(), 2);
+    EXPECT_LE(place.bottom(), click.y()) << "above the panel";
+    EXPECT_GE(place.bottom(), click.y() - 40) << "at its edge";
+    EXPECT_FALSE(popup()->mask().contains(QPoint(0, 0))) << "its corners are round, though nobody blends windows here";
+    EXPECT_TRUE(popup()->mask().contains(popup()->rect().center()));
     hands.tapKey(0xFF1B);  // Escape
     EXPECT_TRUE(QTest::qWaitFor([] { return popup() == nullptr; }, bound));
   }
@@ -208,11 +226,19 @@ TEST_F(TrayTest, PrefersAPanelOnTheBusAndReturnsToTheTrayWhenItGoes) {
     }
     pixmaps.endArray();  // or the reader of the array is never freed
     EXPECT_TRUE(sizes.contains(QSize(22, 22)));
-    for (const char* click : {"Activate", "ContextMenu"}) {
+    // A panel tells pixels, or points of its own; a key is pressed wherever the pointer is.
+    const int scale = qRound(qApp->devicePixelRatio());
+    const QPoint place(400, 300);
+    hands.move(place.x(), place.y());
+    const std::tuple<const char*, QPoint, QPoint> clicks[] = {
+        {"Activate", place, place}, {"ContextMenu", place / scale, place}, {"Activate", {900, 100}, {900, 100}}};
+    for (const auto& [click, told, wanted] : clicks) {
       auto message = QDBusMessage::createMethodCall(name, "/StatusNotifierItem", "org.kde.StatusNotifierItem", click);
-      message << 100 << 100;
+      message << told.x() << told.y();
       panel.asyncCall(message);
       ASSERT_TRUE(QTest::qWaitFor([] { return popup() != nullptr; }, bound)) << click;
+      EXPECT_TRUE(QTest::qWaitForWindowExposed(popup()));
+      EXPECT_EQ(pixelsOf(*popup()).topLeft(), wanted) << click;
       popup()->close();
     }
     panel.unregisterService(service);

@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPointer>
+#include <QScreen>
 #include <QSystemTrayIcon>
 #include <QWidget>
 #include <cstdint>
@@ -42,6 +43,26 @@ QPixmap drawnTitle(const QString& title, int side, const QColor& tint) {
   painter.setPen(tint);
   painter.drawText(pixmap.rect(), Qt::AlignCenter, title);
   return pixmap;
+}
+
+/// What is at this pixel of the X11 screen. Screens have their corners in pixels and their sizes in points.
+QPoint pointAtPixel(QPoint pixel) {
+  for (const QScreen* const screen : QGuiApplication::screens()) {
+    const QPoint corner = screen->geometry().topLeft();
+    const qreal scale = screen->devicePixelRatio();
+    if (QRect(corner, screen->size() * scale).contains(pixel)) return corner + (pixel - corner) / scale;
+  }
+  return pixel;
+}
+
+/// Where a panel was clicked, by what it tells: some count in pixels, some in points of their own. When the pointer is
+/// there in either reading it was a click of the mouse, else a key, and pixels are what everybody else counts in.
+QPoint placeOfClick(QPoint told) {
+  constexpr int reach = 64;
+  const QPoint pointer = QCursor::pos();
+  const QPoint pixel = pointAtPixel(told);
+  const bool isClick = (pixel - pointer).manhattanLength() < reach || (told - pointer).manhattanLength() < reach;
+  return isClick ? pointer : pixel;
 }
 
 /// Shows itself in whichever tray there is, and moves when the desktop's panel changes.
@@ -96,7 +117,7 @@ class TrayItem final : public QObject, public StatusItem, public StatusBarButton
         notifier_->registerWithWatcher();
         return;
       }
-      notifier_ = std::make_unique<qt::NotifierItem>([this](QPoint point) { openMenu(point); });
+      notifier_ = std::make_unique<qt::NotifierItem>([this](QPoint told) { openMenu(placeOfClick(told)); });
     } else if (host == qt::TrayHost::XEmbed && !embedded_) {
       // The toolkit decides at the first one which kind it makes from then on; here there is no host of the other.
       embedded_ = std::make_unique<QSystemTrayIcon>();
