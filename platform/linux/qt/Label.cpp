@@ -94,7 +94,7 @@ struct LabelNative final : TextNative {
     layout.endLayout();
     layout.draw(&painter, bounds.topLeft());
 
-    const double half = metrics.capHeight() / 2;
+    const double half = metrics.capHeight() * 0.45;
     painter.setPen(QPen(painter.pen().color(), painter.font().pixelSize() * 0.1));
     for (const auto& sign : hidden) {
       const QTextLine line = layout.lineForTextPosition(sign.start);
