@@ -2,45 +2,48 @@
 
 namespace ns {
 
-NSColor* toNSColor(const Color& color) {
-  NSColor* named = nil;
-  switch (color.name()) {
+static NSColor* namedColor(ColorName name) {
+  switch (name) {
     case ColorName::Clear:
-      named = NSColor.clearColor;
-      break;
+      return NSColor.clearColor;
     case ColorName::Black:
-      named = NSColor.blackColor;
-      break;
+      return NSColor.blackColor;
     case ColorName::White:
-      named = NSColor.whiteColor;
-      break;
+      return NSColor.whiteColor;
     case ColorName::Label:
-      named = NSColor.labelColor;
-      break;
+      return NSColor.labelColor;
     case ColorName::SecondaryLabel:
-      named = NSColor.secondaryLabelColor;
-      break;
+      return NSColor.secondaryLabelColor;
     case ColorName::Separator:
-      named = NSColor.separatorColor;
-      break;
+      return NSColor.separatorColor;
     case ColorName::WindowBackground:
-      named = NSColor.windowBackgroundColor;
-      break;
+      return NSColor.windowBackgroundColor;
     case ColorName::ControlBackground:
-      named = NSColor.controlBackgroundColor;
-      break;
+      return NSColor.controlBackgroundColor;
     case ColorName::ControlAccent:
-      named = NSColor.controlAccentColor;
-      break;
+      return NSColor.controlAccentColor;
     case ColorName::SystemBlue:
-      named = NSColor.systemBlueColor;
-      break;
+      return NSColor.systemBlueColor;
     case ColorName::SystemOrange:
-      named = NSColor.systemOrangeColor;
-      break;
+      return NSColor.systemOrangeColor;
   }
-  // Setting the alpha of a dynamic colour fixes its components, so it is left alone where there is nothing to set.
-  return color.alphaComponent() == 1 ? named : [named colorWithAlphaComponent:color.alphaComponent()];
+  return NSColor.clearColor;
+}
+
+NSColor* toNSColor(const Color& color) {
+  NSColor* named = namedColor(color.name());
+  const double opacity = color.alphaComponent();
+  if (opacity == 1) return named;
+  // Some named colours are translucent themselves, each look of the desktop has its own components, and setting an
+  // alpha fixes those of the moment.
+  return [NSColor colorWithName:nil
+                dynamicProvider:^(NSAppearance* appearance) {
+                  __block NSColor* components = named;
+                  [appearance performAsCurrentDrawingAppearance:^{
+                    components = [named colorUsingColorSpace:NSColorSpace.sRGBColorSpace];
+                  }];
+                  return [components colorWithAlphaComponent:components.alphaComponent * opacity];
+                }];
 }
 
 }  // namespace ns
