@@ -55,6 +55,7 @@ class AppDelegate : public std::enable_shared_from_this<AppDelegate>,
  private:
   void tick();
   void showSettings(const std::string& tab);
+  void preferencesWereRefused(const std::string& reason);
 
   std::optional<std::string> tabAtLaunch_;
   std::shared_ptr<ns::StatusItem> statusItem_;
@@ -62,6 +63,7 @@ class AppDelegate : public std::enable_shared_from_this<AppDelegate>,
   std::shared_ptr<SettingsWindowController> settingsController_;
   std::shared_ptr<ns::Timer> permissionTimer_;
   std::shared_ptr<spu::StandardUpdaterController> updaterController_;
+  bool isTellingOfRefusal_ = false;
 };
 
 }  // namespace ostrel

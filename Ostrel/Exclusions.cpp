@@ -89,6 +89,11 @@ void OstrelController::removeExcludedApp(std::string_view bundleID) {
   setExcludedApps(std::move(apps));
 }
 
+void OstrelController::reloadExcludedApps() {
+  excludedBundleIDs_ = bundleIDs(excludedApps());
+  refreshExcludedPIDs();
+}
+
 void OstrelController::setUpExclusions() {
   excludedBundleIDs_ = bundleIDs(loadExcludedApps(*defaults_));
   ns::NotificationCenter& center = ns::Workspace::sharedWorkspace()->notificationCenter();

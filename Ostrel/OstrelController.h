@@ -86,6 +86,8 @@ class OstrelController : public std::enable_shared_from_this<OstrelController> {
   void removeExcludedApp(std::string_view bundleID);
   /// Empty when the stored list is missing or malformed.
   static std::vector<ExcludedApp> loadExcludedApps(const ns::UserDefaults& defaults);
+  /// To be told when the store has taken a list back that it could not keep.
+  void reloadExcludedApps();
   /// Finds the running processes of the excluded applications again. Any thread: elsewhere than on the main thread it
   /// queues the work there.
   void refreshExcludedPIDs();

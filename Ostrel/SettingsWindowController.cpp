@@ -42,6 +42,15 @@ void SettingsWindowController::present(Tab tab) {
   app->activateIgnoringOtherApps();
 }
 
+void SettingsWindowController::readPreferencesAgain() {
+  if (!window_) return;
+  syncControls();
+  syncYellowButton();
+  syncGreenButton();
+  syncRedButton();
+  rebuildExcludeTab();
+}
+
 void SettingsWindowController::buildWindow() {
   const auto window = std::make_shared<ns::Window>(CGRect{{0, 0}, contentSize}, ns::WindowStyleMaskTitled |
                                                                                     ns::WindowStyleMaskClosable |

@@ -35,6 +35,8 @@ class SettingsWindowController : public std::enable_shared_from_this<SettingsWin
   void present(Tab tab);
   void showTab(Tab tab);
   void updateSidebarSelection();
+  /// Shows what is stored, after it changed by itself.
+  void readPreferencesAgain();
   void windowWillClose() override;
   void windowDidBecomeKey() override;
   /// "v", the short version and, in parentheses, the build.

@@ -1,8 +1,10 @@
 // The user's preferences.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/PropertyList.h"
@@ -11,7 +13,7 @@ namespace ns {
 
 /// The application's preferences: what the user stored, with the system's defaults behind it. Abstract because tests
 /// keep theirs in memory. Main thread only. Nothing here fails towards the caller: a value that cannot be stored is
-/// logged by the backing and what was stored before stays.
+/// logged by the backing, and what was stored before stays and is read again.
 class UserDefaults {
  public:
   static std::shared_ptr<UserDefaults> standardUserDefaults();
@@ -19,8 +21,11 @@ class UserDefaults {
 
   /// The value in the first domain that has the key; none when no domain has it.
   virtual std::optional<PropertyList> objectForKey(std::string_view key) const = 0;
-  /// Stores in the user's domain, at once.
+  /// Stores in the user's domain; read from now on, and kept whatever happens from a moment later.
   virtual void setObject(PropertyList value, std::string_view key) = 0;
+  /// `handler` is called on the main thread, with words for the person, after values could not be stored and are again
+  /// what they were. Only where a file may refuse: a Mac keeps every value.
+  virtual void setRefusalHandler(std::function<void(const std::string& reason)> /*handler*/) {}
 
   /// True for true, a number other than 0, and a text that starts, after white space and a sign and zeros, with Y, y,
   /// T, t or a digit from 1 to 9; false for anything else and for no value.

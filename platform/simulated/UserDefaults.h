@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/UserDefaults.h"
 
@@ -17,11 +18,16 @@ class UserDefaults final : public ns::UserDefaults {
 
   std::optional<ns::PropertyList> objectForKey(std::string_view key) const override;
   void setObject(ns::PropertyList value, std::string_view key) override;
+  void setRefusalHandler(std::function<void(const std::string& reason)> handler) override {
+    refused = std::move(handler);
+  }
 
   /// What the application stores goes here; tests read and write it, as another program would.
   Domain user;
   /// Searched after the user's.
   Domain system;
+  /// For a test to tell, after it has changed `user` back.
+  std::function<void(const std::string& reason)> refused;
 };
 
 }  // namespace simulated

@@ -44,6 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   const auto before = defaults.objectForKey(key);
   defaults.setObject({std::string("new")}, "behavior.new");
+  defaults.flush();
   const freedesktop::JSONUserDefaults again(folder / "ostrel/preferences.json", {});
   if (key != "behavior.new") require(again.objectForKey(key) == before);
   require(folder.read("ostrel/preferences.json").size() > 0);

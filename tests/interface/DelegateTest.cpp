@@ -182,6 +182,22 @@ TEST_F(DelegateTest, SettingsReportToTheStatusItem) {
   EXPECT_FALSE(showsWarning());
 }
 
+TEST_F(DelegateTest, ARefusedChangeIsToldAndTakenBackEverywhere) {
+  delegate->applicationDidFinishLaunching();
+  choose("Settings");
+  auto& defaults = *desktop.defaults();
+  const auto before = defaults.user;
+  ns::View& root = *delegate->settingsWindow().window()->contentView();
+  auto& red = *controlInRow<ns::Switch>(root, "Red button hides the app");
+  red.performClick();
+  ASSERT_NE(defaults.user, before);
+  defaults.user = before;
+  defaults.refused("No space left on device");
+  EXPECT_FALSE(red.isOn());
+  ASSERT_EQ(services.alerts.size(), 1u);
+  EXPECT_EQ(services.alerts[0].informativeText, "No space left on device");
+}
+
 TEST_F(DelegateTest, UpdateInterfaceMakesItARegularApplicationForAWhile) {
   delegate->applicationDidFinishLaunching();
   const auto app = ns::Application::sharedApplication();

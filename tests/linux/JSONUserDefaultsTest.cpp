@@ -5,9 +5,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <limits>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/support/TemporaryFolder.h"
 
@@ -18,8 +23,8 @@ using ns::PropertyList;
 
 class JSONUserDefaultsTest : public testing::Test {
  protected:
-  JSONUserDefaults open() {
-    return {folder / "ostrel/preferences.json", {folder / "first.json", folder / "second.json"}};
+  JSONUserDefaults open(ReplaceFile replace = replaceFile) {
+    return {folder / "ostrel/preferences.json", {folder / "first.json", folder / "second.json"}, std::move(replace)};
   }
   std::string write(const std::string& text) { return folder.write("ostrel/preferences.json", text); }
   std::string stored() { return folder.read("ostrel/preferences.json"); }
@@ -36,6 +41,34 @@ class JSONUserDefaultsTest : public testing::Test {
   }
 
   const support::TemporaryFolder folder;
+  int argumentCount = 1;
+  char program[5] = "test";
+  char* arguments[2] = {program, nullptr};
+  QCoreApplication application{argumentCount, arguments};
+};
+
+/// A disk that does as it is told: keeps a journal of writes, holds them up and fails them.
+struct Disk {
+  int write(const std::string& path, std::string_view content) {
+    contents.push_back(nlohmann::json::parse(content));
+    ++writes;
+    mayGoOn.wait(false);
+    return error != 0 ? error.load() : replaceFile(path, content);
+  }
+  ReplaceFile replace() {
+    return [this](const std::string& path, std::string_view content) { return write(path, content); };
+  }
+  void stall() { mayGoOn = false; }
+  void goOn() {
+    mayGoOn = true;
+    mayGoOn.notify_all();
+  }
+
+  /// Of the writes so far; to be looked at after a flush.
+  std::vector<nlohmann::json> contents;
+  std::atomic<int> writes = 0;
+  std::atomic<int> error = 0;
+  std::atomic<bool> mayGoOn = true;
 };
 
 TEST_F(JSONUserDefaultsTest, KeepsValuesOfEveryKindAcrossProcesses) {
@@ -46,6 +79,7 @@ TEST_F(JSONUserDefaultsTest, KeepsValuesOfEveryKindAcrossProcesses) {
   writer.setDouble(12.5, "margins.left");
   writer.setBool(false, "behavior.greenButtonEnabled");
   writer.setObject({std::numeric_limits<std::int64_t>::min()}, "number");
+  writer.flush();
   const auto reader = open();
   EXPECT_EQ(reader.objectForKey("behavior.excludedApps"), apps);
   EXPECT_EQ(reader.objectForKey("margins.left"), PropertyList{12.5});
@@ -115,6 +149,7 @@ TEST_F(JSONUserDefaultsTest, ADamagedFileIsNeverOverwritten) {
     EXPECT_EQ(defaults.doubleForKey("a"), 5);
     EXPECT_EQ(stored(), damaged);  // its owner may still mend it
     defaults.setDouble(6, "a");
+    defaults.flush();
     EXPECT_EQ(open().doubleForKey("a"), 6);
     EXPECT_EQ(keptAside(), damaged);
   }
@@ -143,9 +178,12 @@ TEST_F(JSONUserDefaultsTest, AFullDiskLosesNothingThatWasStored) {
     getrlimit(RLIMIT_FSIZE, &limit);
     const rlimit none{0, limit.rlim_max};
     setrlimit(RLIMIT_FSIZE, &none);
+    const auto value = defaults.objectForKey("a");
     defaults.setDouble(2, "a");
+    defaults.flush();
     setrlimit(RLIMIT_FSIZE, &limit);
     EXPECT_EQ(stored(), content);
+    EXPECT_EQ(defaults.objectForKey("a"), value) << "memory is as the file";
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder / "ostrel"), {}),
               1);  // nothing left lying about
   }
@@ -155,12 +193,14 @@ TEST_F(JSONUserDefaultsTest, AFileThatCannotBeReadIsLeftAlone) {
   std::filesystem::create_directories(folder / "ostrel/preferences.json/inner");
   auto defaults = open();
   defaults.setDouble(2, "a");
+  defaults.flush();
   EXPECT_EQ(defaults.objectForKey("a"), std::nullopt);
   EXPECT_TRUE(std::filesystem::is_directory(folder / "ostrel/preferences.json/inner"));
 
   std::filesystem::remove_all(folder / "ostrel/preferences.json");
   ASSERT_EQ(mkfifo((folder / "ostrel/preferences.json").c_str(), 0600), 0);  // nobody writes to it: reading would wait
   defaults.setDouble(2, "a");
+  defaults.flush();
   EXPECT_TRUE(std::filesystem::is_fifo(folder / "ostrel/preferences.json"));
 }
 
@@ -185,9 +225,74 @@ TEST_F(JSONUserDefaultsTest, WhatCouldNotBeReadBackIsNotStored) {
   defaults.setDouble(std::numeric_limits<double>::infinity(), "a");
   ns::Array many(5000, {ns::Dictionary{{"bundleID", {std::string("x")}}, {"name", {std::string("x")}}}});
   defaults.setObject({std::move(many)}, "b");
+  defaults.flush();
   EXPECT_EQ(stored(), R"({"a": 1})");
   defaults.setObject({std::string("\xFF")}, "c");
+  defaults.flush();
   EXPECT_EQ(open().objectForKey("c"), PropertyList{std::string("\xEF\xBF\xBD")});
+}
+
+TEST_F(JSONUserDefaultsTest, AnEditIsOneWriteAndNobodyWaitsForTheDisk) {
+  Disk disk;
+  auto defaults = open(disk.replace());
+  const auto edit = [&](double value) {
+    for (const char* key : {"top", "left", "right", "bottom"}) defaults.setDouble(value, key);
+  };
+  disk.stall();
+  edit(1);
+  while (disk.writes == 0) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  // The disk is busy with the first edit: further ones are taken all the same, and are one write after it.
+  for (const double value : {2.0, 3.0}) {
+    edit(value);
+    EXPECT_EQ(defaults.doubleForKey("bottom"), value);
+    QCoreApplication::processEvents();
+  }
+  EXPECT_EQ(stored(), "");
+  disk.goOn();
+  defaults.flush();
+  const auto allAre = [](double value) {
+    return nlohmann::json({{"top", value}, {"left", value}, {"right", value}, {"bottom", value}});
+  };
+  EXPECT_EQ(disk.contents, (std::vector{allAre(1), allAre(3)}));
+  EXPECT_EQ(nlohmann::json::parse(stored()), allAre(3));
+}
+
+TEST_F(JSONUserDefaultsTest, WhatOthersWriteMeanwhileIsKept) {
+  write(R"({"theirs": 1})");
+  auto defaults = open();
+  defaults.setDouble(2, "ours");
+  write(R"({"theirs": 3})");
+  EXPECT_EQ(defaults.doubleForKey("theirs"), 3);
+  EXPECT_EQ(defaults.doubleForKey("ours"), 2);
+  defaults.flush();
+  EXPECT_EQ(nlohmann::json::parse(stored()), nlohmann::json({{"theirs", 3}, {"ours", 2}}));
+}
+
+TEST_F(JSONUserDefaultsTest, ARefusedChangeIsTakenBackAndTold) {
+  Disk disk;
+  write(R"({"a": 1})");
+  auto defaults = open(disk.replace());
+  std::vector<std::string> told;
+  defaults.setRefusalHandler([&](const std::string& reason) {
+    told.push_back(reason);
+    EXPECT_EQ(defaults.doubleForKey("a"), 1) << "memory is as the file by now";
+  });
+  disk.error = ENOSPC;
+  defaults.setDouble(2, "a");
+  while (told.empty()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  EXPECT_EQ(told, std::vector<std::string>{folder / "ostrel/preferences.json: No space left on device"});
+  EXPECT_EQ(stored(), R"({"a": 1})");
+  EXPECT_EQ(defaults.objectForKey("b"), std::nullopt);
+
+  disk.error = 0;
+  defaults.setDouble(3, "b");
+  defaults.flush();
+  EXPECT_EQ(nlohmann::json::parse(stored()), nlohmann::json({{"a", 1}, {"b", 3}}));
+}
+
+TEST_F(JSONUserDefaultsTest, WhatIsLeftIsWrittenAtTheEnd) {
+  open().setDouble(4, "a");  // no turn of the main loop in between
+  EXPECT_EQ(open().doubleForKey("a"), 4);
 }
 
 }  // namespace

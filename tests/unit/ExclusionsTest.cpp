@@ -56,6 +56,9 @@ TEST_F(ExclusionsTest, KnowsTheStoredListFromTheStart) {
   controller->addExcludedApp({"org.example.editor", "Editor"});
   controller = ostrel::OstrelController::create();
   EXPECT_EQ(controller->excludedPIDs(), PIDs{editorPID});
+  store("behavior.excludedApps", {ns::Array{}});
+  controller->reloadExcludedApps();
+  EXPECT_EQ(controller->excludedPIDs(), PIDs{});
 }
 
 TEST_F(ExclusionsTest, ListIsSortedByNameAndHoldsAnIdentifierOnce) {

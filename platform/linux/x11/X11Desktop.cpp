@@ -8,6 +8,7 @@
 
 #include "platform/Diagnostics.h"
 #include "platform/linux/freedesktop/Consent.h"
+#include "platform/linux/freedesktop/JSONUserDefaults.h"
 #include "platform/linux/x11/EventTap.h"
 
 namespace x11 {
@@ -20,10 +21,11 @@ namespace {
 }
 
 /// On one of the worker threads, any of which may notice first: the others, and the main thread, are left where they
-/// are. Everything worth keeping has been written the moment it was changed.
+/// are. Only what has been changed a moment ago may not be on the disk yet.
 [[noreturn]] void endAfterLoss() {
   constexpr std::string_view message = "ostrel: the X server has gone\n";
   [[maybe_unused]] const auto written = write(STDERR_FILENO, message.data(), message.size());
+  freedesktop::flushPreferences();
   _exit(1);
 }
 
