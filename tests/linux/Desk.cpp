@@ -104,12 +104,16 @@ x11::Window Desk::manage(ManagedWindow& window) {
   const xcb_window_t client = window.window();
   EXPECT_TRUE(waitFor([&] {
     const auto known = tracker_->window(client);
-    const auto attributes =
-        connection_->reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(connection_->get(), client));
     return known && known->frame != client && known->properties.wmState == 1 && known->geometry.decoration.top > 0 &&
-           attributes->map_state == XCB_MAP_STATE_VIEWABLE && known->geometry == geometryOf(client);
+           isOnScreen(client) && known->geometry == geometryOf(client);
   }));
   return windowOf(client);
+}
+
+bool Desk::isOnScreen(xcb_window_t client) {
+  const auto attributes =
+      connection_->reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(connection_->get(), client));
+  return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 x11::WindowGeometry Desk::geometryOf(xcb_window_t client) {
@@ -120,20 +124,24 @@ void Desk::set(xcb_window_t client, const char* attribute, const desktop::Value&
   EXPECT_EQ(elements_->setAttribute(x11::Elements::window(client), attribute, value), kAXErrorSuccess);
 }
 
-void Desk::changeState(xcb_window_t client, std::uint32_t action, const std::string& one, const std::string& other) {
-  xcb_client_message_event_t message{};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
-  message.window = client;
-  message.type = connection_->atom("_NET_WM_STATE");
-  message.data.data32[0] = action;
-  message.data.data32[1] = connection_->atom("_NET_WM_STATE_" + one);
-  message.data.data32[2] = other.empty() ? 0 : connection_->atom("_NET_WM_STATE_" + other);
-  message.data.data32[3] = 2;
+void Desk::ask(xcb_window_t window, const std::string& message, const std::array<std::uint32_t, 5>& data) {
+  xcb_client_message_event_t event{};
+  event.response_type = XCB_CLIENT_MESSAGE;
+  event.format = 32;
+  event.window = window;
+  event.type = connection_->atom(message);
+  std::copy(data.begin(), data.end(), std::begin(event.data.data32));
   xcb_send_event(connection_->get(), 0, connection_->root(),
                  XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                 reinterpret_cast<const char*>(&message));
+                 reinterpret_cast<const char*>(&event));
   connection_->flush();
+}
+
+void Desk::changeState(xcb_window_t client, std::uint32_t action, const std::string& one, const std::string& other) {
+  const auto state = [&](const std::string& name) {
+    return name.empty() ? xcb_atom_t{XCB_ATOM_NONE} : connection_->atom("_NET_WM_STATE_" + name);
+  };
+  ask(client, "_NET_WM_STATE", {action, state(one), state(other), 2, 0});
 }
 
 std::optional<CGPoint> Desk::findButton(const x11::Window& window, x11::ButtonRole role) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -51,8 +52,17 @@ class Desk {
   /// Maps the window and waits until it is on the screen with its title bar, and known as it is.
   x11::Window manage(ManagedWindow& window);
   x11::Window windowOf(xcb_window_t client) { return tracker().window(client).value_or(x11::Window{}); }
+  bool isOnScreen(xcb_window_t client);
   x11::Rect frameOf(xcb_window_t client) { return windowOf(client).geometry.frame(); }
   void set(xcb_window_t client, const char* attribute, const desktop::Value& value);
+  /// Asks the window manager for something, by a message about a window.
+  void ask(xcb_window_t window, const std::string& message, const std::array<std::uint32_t, 5>& data);
+  void moveToWorkspace(xcb_window_t client, std::uint32_t workspace) {
+    ask(client, "_NET_WM_DESKTOP", {workspace, 2, 0, 0, 0});
+  }
+  void enterWorkspace(std::uint32_t workspace) {
+    ask(connection_->root(), "_NET_CURRENT_DESKTOP", {workspace, XCB_CURRENT_TIME, 0, 0, 0});
+  }
   /// Asks the window manager to add (1) or remove (0) two states, by the names that follow _NET_WM_STATE_.
   void changeState(xcb_window_t client, std::uint32_t action, const std::string& one, const std::string& other);
   /// The middle of the first stretch of the title bar, from the left, where elements say that this button is.

@@ -1,6 +1,11 @@
 // Frames, moves, hiding and window managers that come and go, with real window managers.
+#include <algorithm>
 #include <atomic>
+#include <set>
+#include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "platform/linux/x11/Applications.h"
 #include "platform/linux/x11/Placement.h"
@@ -159,6 +164,96 @@ TEST_P(Windows, BackTogetherHoweverSoon) {
     ASSERT_TRUE(desk.waitFor([&] { return !desk.hiding().isHidden(getpid()); })) << round;
     ASSERT_TRUE(desk.waitFor([&] { return !isIconic(one.window()) && !isIconic(two.window()); })) << round;
   }
+}
+
+TEST_P(Windows, TheDesktopAndPanelsAreNotHidden) {
+  for (const char* type : {"_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"}) {
+    ManagedWindow part(0, 0, 1440, 30);
+    part.setProperty("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, {part.connection().atom(type)});
+    part.map();
+    ASSERT_TRUE(desk.waitFor([&] {
+      return desk.windowOf(part.window()).properties.wmState == 1 &&
+             desk.tracker().windowsOfProcess(getpid()).size() == 1;
+    })) << type;
+    EXPECT_FALSE(desk.hiding().hide(getpid())) << "nothing else to hide";
+    ManagedWindow plain(300, 200, 300, 200);
+    desk.manage(plain);
+    const auto changes = [&] { return desk.windowOf(part.window()).properties.stateChanges; };
+    const std::uint32_t before = changes();
+    ASSERT_TRUE(desk.hiding().hide(getpid()));
+    ASSERT_TRUE(desk.waitFor([&] { return isIconic(plain.window()); }));
+    desk.set(plain.window(), "AXMinimized", false);
+    ASSERT_TRUE(desk.waitFor([&] { return !isIconic(plain.window()); }));
+    EXPECT_LT(changes() - before, 2U) << type;
+  }
+}
+
+TEST_P(Windows, ComeBackWhenTheirWorkspaceIsEntered) {
+  ManagedWindow here(100, 200, 300, 200);
+  ManagedWindow beside(300, 200, 300, 200);
+  ManagedWindow everywhere(500, 200, 300, 200);
+  ManagedWindow there(700, 200, 300, 200);
+  ManagedWindow besideThere(900, 200, 300, 200);
+  const std::pair<ManagedWindow*, std::uint32_t> places[] = {
+      {&here, 0}, {&beside, 0}, {&everywhere, x11::everyWorkspace}, {&there, 1}, {&besideThere, 1}};
+  for (const auto& [window, workspace] : places) {
+    desk.manage(*window);
+    desk.moveToWorkspace(window->window(), workspace);
+    ASSERT_TRUE(desk.waitFor([&, w = window->window(), workspace = workspace] {
+      return desk.windowOf(w).properties.workspace == workspace;
+    }));
+  }
+  const auto areOnScreen = [&](const std::vector<ManagedWindow*>& expected) {
+    return desk.waitFor([&] {
+      return std::ranges::all_of(places, [&](const auto& place) {
+        const bool isExpected = std::ranges::find(expected, place.first) != expected.end();
+        const xcb_window_t client = place.first->window();
+        // Also as far as the tracker knows: nobody hides windows within the millisecond in which they come.
+        return desk.isOnScreen(client) == isExpected && (!isExpected || !isIconic(client));
+      });
+    });
+  };
+  const auto areAllIconic = [&] {
+    return desk.waitFor([&] {
+      return std::ranges::all_of(places, [&](const auto& place) { return isIconic(place.first->window()); });
+    });
+  };
+  const x11::Atoms atoms(desk.connection());
+  const auto isOnTop = [&](const ManagedWindow& window) {
+    return desk.waitFor([&] { return x11::stackingOrder(desk.connection(), atoms).back() == window.window(); });
+  };
+  ASSERT_TRUE(desk.hiding().hide(getpid()));
+  ASSERT_TRUE(areOnScreen({}));
+  desk.set(here.window(), "AXMinimized", false);
+  ASSERT_TRUE(areOnScreen({&here, &beside, &everywhere}));
+  // This window on top is asked for last: all else has been done by then, and nobody has been carried off.
+  ASSERT_TRUE(isOnTop(here));
+  EXPECT_EQ(desk.tracker().currentWorkspace(), 0U);
+  EXPECT_TRUE(areOnScreen({&here, &beside, &everywhere}));
+  EXPECT_FALSE(desk.hiding().isHidden(getpid()));
+  desk.enterWorkspace(1);
+  ASSERT_TRUE(areOnScreen({&everywhere, &there, &besideThere}));
+
+  ASSERT_TRUE(desk.hiding().hide(getpid()));
+  ASSERT_TRUE(areOnScreen({}));
+  desk.enterWorkspace(0);
+  ASSERT_TRUE(areAllIconic()) << "where some window managers iconify only now";
+  EXPECT_TRUE(desk.hiding().isHidden(getpid()));
+  for (int round = 0; round < 2; ++round) {
+    // From a pager, a window of the other workspace: the person goes there and stays there.
+    desk.enterWorkspace(1);
+    desk.set(there.window(), "AXMinimized", false);
+    ASSERT_TRUE(areOnScreen({&everywhere, &there, &besideThere}));
+    ASSERT_TRUE(isOnTop(there));
+    EXPECT_EQ(desk.tracker().currentWorkspace(), 1U);
+    EXPECT_TRUE(isIconic(here.window()) && isIconic(beside.window()));
+    if (round > 0) break;
+    // Hidden again, those that were still to come belong to it.
+    ASSERT_TRUE(desk.hiding().hide(getpid()));
+    ASSERT_TRUE(areAllIconic());
+  }
+  desk.enterWorkspace(0);
+  EXPECT_TRUE(areOnScreen({&here, &beside, &everywhere}));
 }
 
 INSTANTIATE_TEST_SUITE_P(, Windows, testing::Values("openbox", "xfwm4"));

@@ -86,8 +86,10 @@ PropertiesRequest::PropertiesRequest(const Connection& connection, const Atoms& 
     : connection_(connection),
       atoms_(atoms),
       wmState_(requestProperty(connection, client, atoms.wmState)),
+      netWmState_(requestProperty(connection, client, atoms.netWmState)),
       transientFor_(requestProperty(connection, client, XCB_ATOM_WM_TRANSIENT_FOR)),
       type_(requestProperty(connection, client, atoms.netWmWindowType)),
+      workspace_(requestProperty(connection, client, atoms.netWmDesktop)),
       motif_(requestProperty(connection, client, atoms.motifWmHints)),
       allowed_(requestProperty(connection, client, atoms.netWmAllowedActions)),
       class_(requestProperty(connection, client, XCB_ATOM_WM_CLASS, 256)),
@@ -99,10 +101,16 @@ WindowProperties PropertiesRequest::receive() {
   if (const auto state = propertyItems(receiveProperty(connection_, wmState_)); !state.empty()) {
     properties.wmState = state[0];
   }
+  properties.isHidden = contains(propertyItems(receiveProperty(connection_, netWmState_)), atoms_.netWmStateHidden);
   // A window that is transient for none or for the root is so for its whole group.
   properties.isTransient = !propertyItems(receiveProperty(connection_, transientFor_)).empty();
   const auto types = propertyItems(receiveProperty(connection_, type_));
   properties.isNormalType = types.empty() || contains(types, atoms_.netWmWindowTypeNormal);
+  properties.isFurniture =
+      contains(types, atoms_.netWmWindowTypeDesktop) || contains(types, atoms_.netWmWindowTypeDock);
+  if (const auto workspace = propertyItems(receiveProperty(connection_, workspace_)); !workspace.empty()) {
+    properties.workspace = workspace[0];
+  }
   if (const auto motif = propertyItems(receiveProperty(connection_, motif_)); motif.size() >= 3) {
     if ((motif[0] & motifHasFunctions) != 0) {
       properties.functionsHaveMinimize = motifAllows(motif[1], motifFunctionMinimize);

@@ -31,15 +31,23 @@ struct WindowGeometry {
   friend bool operator==(const WindowGeometry&, const WindowGeometry&) = default;
 };
 
+/// The workspace of a window that is on all of them.
+constexpr std::uint32_t everyWorkspace = 0xffffffff;
+
 enum class MinimizeButton { Missing, Disabled, Enabled };
 
 /// What a window says about itself and its window manager about it.
 struct WindowProperties {
   std::uint32_t wmState = 0;
+  /// _NET_WM_STATE_HIDDEN.
+  bool isHidden = false;
   /// How often WM_STATE has been set since the window is known; counted by whoever follows the window.
   std::uint32_t stateChanges = 0;
   bool isTransient = false;
   bool isNormalType = true;
+  /// The desktop itself or a panel.
+  bool isFurniture = false;
+  std::uint32_t workspace = everyWorkspace;
   bool isDecorated = true;
   bool decorationHasMinimize = true;
   bool functionsHaveMinimize = true;
@@ -50,7 +58,10 @@ struct WindowProperties {
   std::string gtkApplicationId;
   std::string title;
 
-  bool isIconic() const { return wmState == 3; }
+  /// Several window managers set WM_STATE to iconic for every window on another workspace, too, and others hide shaded
+  /// windows: only both together tell.
+  bool isIconic() const { return stateIsIconic() && isHidden; }
+  bool stateIsIconic() const { return wmState == 3; }
   MinimizeButton minimizeButton() const;
   friend bool operator==(const WindowProperties&, const WindowProperties&) = default;
 };
@@ -96,8 +107,10 @@ class PropertiesRequest {
   const Connection& connection_;
   const Atoms& atoms_;
   xcb_get_property_cookie_t wmState_;
+  xcb_get_property_cookie_t netWmState_;
   xcb_get_property_cookie_t transientFor_;
   xcb_get_property_cookie_t type_;
+  xcb_get_property_cookie_t workspace_;
   xcb_get_property_cookie_t motif_;
   xcb_get_property_cookie_t allowed_;
   xcb_get_property_cookie_t class_;

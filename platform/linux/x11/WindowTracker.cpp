@@ -54,8 +54,8 @@ void WindowTracker::run() {
       if (lossHandler_) lossHandler_();
       return;
     }
-    if (windowManagerDirty_ || clientsDirty_ || activeDirty_ || !frameDirty_.empty() || !geometryDirty_.empty() ||
-        !propertiesDirty_.empty()) {
+    if (windowManagerDirty_ || clientsDirty_ || workspaceDirty_ || activeDirty_ || !frameDirty_.empty() ||
+        !geometryDirty_.empty() || !propertiesDirty_.empty()) {
       // Only now, so that a hundred moves of a window that is being dragged are asked about once. The replies may bring
       // further events along, hence no waiting yet.
       refreshDirty();
@@ -104,6 +104,7 @@ void WindowTracker::handle(const xcb_generic_event_t& event) {
 void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
   if (event.window == connection_->root()) {
     if (event.atom == atoms_.netClientList) clientsDirty_ = true;
+    if (event.atom == atoms_.netCurrentDesktop) workspaceDirty_ = true;
     if (event.atom == atoms_.netActiveWindow) activeDirty_ = true;
     if (event.atom == atoms_.netSupportingWmCheck) windowManagerDirty_ = true;
     return;
@@ -115,10 +116,11 @@ void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
   const auto is = [&event](const auto&... atoms) { return ((event.atom == atoms) || ...); };
   if (is(atoms_.netFrameExtents, atoms_.gtkFrameExtents, atoms_.netWmState)) {
     geometryDirty_.insert(event.window);
+    if (event.atom == atoms_.netWmState) propertiesDirty_.try_emplace(event.window);
   } else if (event.atom == atoms_.wmState) {
     ++propertiesDirty_[event.window];
   } else if (is(XCB_ATOM_WM_TRANSIENT_FOR, atoms_.netWmWindowType, atoms_.motifWmHints, atoms_.netWmAllowedActions,
-                XCB_ATOM_WM_CLASS, atoms_.gtkApplicationId)) {
+                atoms_.netWmDesktop, XCB_ATOM_WM_CLASS, atoms_.gtkApplicationId)) {
     propertiesDirty_.try_emplace(event.window);
   } else if (event.atom == atoms_.netWmName) {
     // Terminals change their titles all day; only for a window that draws its own title bar does it matter.
@@ -131,6 +133,7 @@ void WindowTracker::handleProperty(const xcb_property_notify_event_t& event) {
 void WindowTracker::refreshDirty() {
   if (std::exchange(windowManagerDirty_, false)) refreshWindowManager();
   if (std::exchange(clientsDirty_, false)) refreshClients();
+  if (std::exchange(workspaceDirty_, false)) refreshWorkspace();
 
   for (const xcb_window_t client : std::exchange(frameDirty_, {})) {
     const auto frame = rootChildOf(*connection_, client);
@@ -211,6 +214,16 @@ void WindowTracker::refreshClients() {
   for (const xcb_window_t client : current) {
     if (!known.contains(client)) add(client);
   }
+}
+
+void WindowTracker::refreshWorkspace() {
+  const auto items = readItems(*connection_, connection_->root(), atoms_.netCurrentDesktop);
+  const std::uint32_t workspace = items.empty() ? 0 : items[0];
+  {
+    const ns::LockGuard guard(lock_);
+    if (std::exchange(currentWorkspace_, workspace) == workspace) return;
+  }
+  if (workspaceObserver_) workspaceObserver_(workspace);
 }
 
 void WindowTracker::refreshActive() {
@@ -305,6 +318,11 @@ std::vector<Window> WindowTracker::windowsOfProcess(pid_t pid) const {
 RunningWindowManager WindowTracker::windowManager() const {
   const ns::LockGuard guard(lock_);
   return windowManager_;
+}
+
+std::uint32_t WindowTracker::currentWorkspace() const {
+  const ns::LockGuard guard(lock_);
+  return currentWorkspace_;
 }
 
 }  // namespace x11

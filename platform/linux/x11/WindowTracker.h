@@ -36,6 +36,8 @@ class WindowTracker {
   using Observer = std::function<void(WindowChange, const Window&)>;
   /// Called with every event that arrives, on the tracker's thread.
   using EventObserver = std::function<void(const xcb_generic_event_t&)>;
+  /// Called on the tracker's thread, without its lock, when another workspace has been entered.
+  using WorkspaceObserver = std::function<void(std::uint32_t workspace)>;
   /// Called on the tracker's thread, which ends afterwards, when the X server has gone.
   using LossHandler = std::function<void()>;
 
@@ -48,6 +50,7 @@ class WindowTracker {
   /// Before `start` only.
   void observe(Observer observer) { observers_.push_back(std::move(observer)); }
   void observeEvents(EventObserver observer) { eventObserver_ = std::move(observer); }
+  void observeWorkspace(WorkspaceObserver observer) { workspaceObserver_ = std::move(observer); }
   void onLoss(LossHandler handler) { lossHandler_ = std::move(handler); }
   /// Reads the desktop as it is now, reporting its windows to the observers on this thread, and then follows it.
   void start();
@@ -60,6 +63,8 @@ class WindowTracker {
   std::vector<Window> windows() const;
   std::vector<Window> windowsOfProcess(pid_t pid) const;
   RunningWindowManager windowManager() const;
+  /// 0 where the window manager has no workspaces.
+  std::uint32_t currentWorkspace() const;
 
  private:
   void run();
@@ -67,6 +72,7 @@ class WindowTracker {
   void handleProperty(const xcb_property_notify_event_t& event);
   void refreshWindowManager();
   void refreshClients();
+  void refreshWorkspace();
   void refreshActive();
   void refreshDirty();
   void add(xcb_window_t client);
@@ -79,6 +85,7 @@ class WindowTracker {
   const Atoms atoms_;
   std::vector<Observer> observers_;
   EventObserver eventObserver_;
+  WorkspaceObserver workspaceObserver_;
   LossHandler lossHandler_;
   Wakeup stop_;
   std::thread thread_;
@@ -88,6 +95,7 @@ class WindowTracker {
   xcb_window_t checkWindow_ = XCB_WINDOW_NONE;
   bool windowManagerDirty_ = true;
   bool clientsDirty_ = true;
+  bool workspaceDirty_ = true;
   bool activeDirty_ = false;
   std::set<xcb_window_t> frameDirty_;
   std::set<xcb_window_t> geometryDirty_;
@@ -98,6 +106,7 @@ class WindowTracker {
   std::map<xcb_window_t, Window> windows_ GUARDED_BY(lock_);
   std::unordered_map<xcb_window_t, xcb_window_t> clientOfFrame_ GUARDED_BY(lock_);
   RunningWindowManager windowManager_ GUARDED_BY(lock_);
+  std::uint32_t currentWorkspace_ GUARDED_BY(lock_) = 0;
 };
 
 }  // namespace x11
