@@ -24,6 +24,13 @@ void ManagedWindow::setProperty(const char* name, xcb_atom_t type, const std::ve
   connection_->synchronise();
 }
 
+void ManagedWindow::setClass(const std::string& name) {
+  const std::string both = name + '\0' + name + '\0';
+  xcb_change_property(connection_->get(), XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                      static_cast<std::uint32_t>(both.size()), both.data());
+  connection_->synchronise();
+}
+
 void ManagedWindow::map() {
   xcb_map_window(connection_->get(), window_);
   connection_->synchronise();

@@ -10,6 +10,7 @@
 #include "platform/linux/x11/Applications.h"
 #include "platform/linux/x11/Placement.h"
 #include "tests/linux/Desk.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -351,6 +352,44 @@ TEST(Applications, AreLaunchedWithTheirFirstWindowAndQuitWithTheirLast) {
   }
   ASSERT_TRUE(waitForChanges(2));
   EXPECT_EQ(changes[1], std::pair(desktop::ApplicationChange::Terminated, pid));
+  tracker.stop();
+}
+
+TEST(Applications, OneProcessMayBeSeveralAndBecomeAnother) {
+  Desk desk("openbox");
+  const support::TemporaryFolder folder;
+  for (const std::string name : {"writer", "calc", "suite"}) {
+    folder.write(name + ".desktop", "[Desktop Entry]\nType=Application\nName=" + name + "\nStartupWMClass=" + name);
+  }
+  freedesktop::DesktopEntries entries({folder.path()}, "C");
+  freedesktop::ApplicationIdentity identity(entries);
+  x11::WindowTracker tracker(x11::Connection::open());
+  x11::Applications applications(tracker, identity);
+  std::set<std::string> known;
+  // Whoever follows launches and quits knows all there is: nobody looks in between.
+  applications.observe([&](desktop::ApplicationChange, pid_t) {
+    known.clear();
+    for (const auto& application : applications.running()) known.insert(application.bundleIdentifier.value_or("?"));
+  });
+  tracker.start();
+  const auto waitFor = [&](const std::set<std::string>& expected) {
+    const bool came = desk.waitFor([&] { return known == expected; });
+    for (const std::string& name : known) EXPECT_TRUE(came) << name;
+    return came;
+  };
+  ManagedWindow first(100, 200, 300, 200);
+  first.setClass("suite");
+  desk.manage(first);
+  EXPECT_TRUE(waitFor({"suite"}));
+  {
+    ManagedWindow second(500, 200, 300, 200);
+    second.setClass("calc");
+    desk.manage(second);
+    EXPECT_TRUE(waitFor({"suite", "calc"})) << "whichever was opened first";
+    first.setClass("writer");
+    EXPECT_TRUE(waitFor({"writer", "calc"})) << "the start-up picture has become the application";
+  }
+  EXPECT_TRUE(waitFor({"writer"}));
   tracker.stop();
 }
 

@@ -66,9 +66,7 @@ ApplicationDescription ApplicationIdentity::describe(const WindowOwner& owner) {
     known_.clear();
     executables_.clear();
   }
-  const auto key =
-      std::pair(owner.pid, owner.gtkApplicationId + '\n' + owner.windowInstance + '\n' + owner.windowClass);
-  if (const auto found = known_.find(key); found != known_.end()) return found->second;
+  if (const auto found = known_.find(owner); found != known_.end()) return found->second;
 
   ApplicationDescription description;
   if (const DesktopEntry* entry = find(owner)) {
@@ -78,11 +76,11 @@ ApplicationDescription ApplicationIdentity::describe(const WindowOwner& owner) {
     const std::string program = executablePath(owner.pid);
     description.name = !owner.windowClass.empty() ? owner.windowClass : std::string(lastPart(program, '/'));
   }
-  return known_.emplace(key, std::move(description)).first->second;
+  return known_.emplace(owner, std::move(description)).first->second;
 }
 
 void ApplicationIdentity::forget(pid_t pid) {
-  std::erase_if(known_, [pid](const auto& known) { return known.first.first == pid; });
+  std::erase_if(known_, [pid](const auto& known) { return known.first.pid == pid; });
 }
 
 const DesktopEntry* ApplicationIdentity::find(const WindowOwner& owner) {

@@ -3,10 +3,10 @@
 
 #include <sys/types.h>
 
+#include <compare>
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "platform/linux/freedesktop/DesktopEntries.h"
 
@@ -19,6 +19,7 @@ struct WindowOwner {
   /// The two parts of WM_CLASS.
   std::string windowInstance;
   std::string windowClass;
+  friend auto operator<=>(const WindowOwner&, const WindowOwner&) = default;
 };
 
 struct ApplicationDescription {
@@ -47,7 +48,7 @@ class ApplicationIdentity {
   DesktopEntries& entries_;
   std::string procFolder_;
   unsigned generation_ = 0;
-  std::map<std::pair<pid_t, std::string>, ApplicationDescription> known_;
+  std::map<WindowOwner, ApplicationDescription> known_;
   /// From the program that an entry starts to the entry's place in the list; made when first needed.
   std::multimap<std::string, std::size_t> executables_;
 };
