@@ -15,7 +15,7 @@ namespace ns {
 
 class Image;
 
-/// One running application, as it was when it was asked for. Main thread only.
+/// One running application. One process may be several. Main thread only.
 class RunningApplication {
  public:
   /// Null when no application with windows runs under this process identifier.

@@ -109,7 +109,11 @@ class Desktop {
   virtual std::optional<Display> display(CGDirectDisplayID identifier) = 0;
   virtual std::vector<Screen> screens() = 0;
 
+  /// A process may be several applications.
   virtual std::vector<Application> runningApplications() = 0;
+  /// Whether an application has windows under this process identifier. Which one it is may take long to tell: this does
+  /// not look.
+  virtual bool isApplicationRunning(pid_t pid) = 0;
   /// Hides every window of the process; false when it has none or the request could not be made.
   virtual bool hideApplication(pid_t pid) = 0;
   /// `observer` is called on the main thread after each launch and quit of any application, until the desktop is gone.

@@ -9,14 +9,23 @@ namespace {
 
 class DesktopApplication final : public ns::RunningApplication {
  public:
-  explicit DesktopApplication(Application application) : application_(std::move(application)) {}
-  pid_t processIdentifier() const override { return application_.pid; }
-  std::optional<std::string> bundleIdentifier() const override { return application_.bundleIdentifier; }
-  bool hide() override { return Desktop::current().hideApplication(application_.pid); }
+  using Identifier = std::function<std::optional<std::string>()>;
+  /// `identifier` is asked when somebody wants to know it: many only want the process hidden.
+  DesktopApplication(pid_t pid, Identifier identifier) : pid_(pid), identifier_(std::move(identifier)) {}
+  pid_t processIdentifier() const override { return pid_; }
+  std::optional<std::string> bundleIdentifier() const override { return identifier_(); }
+  bool hide() override { return Desktop::current().hideApplication(pid_); }
 
  private:
-  const Application application_;
+  const pid_t pid_;
+  const Identifier identifier_;
 };
+
+std::optional<std::string> identifierOfProcess(pid_t pid) {
+  const std::vector<Application> all = Desktop::current().runningApplications();
+  const auto found = std::ranges::find(all, pid, &Application::pid);
+  return found == all.end() ? std::nullopt : found->bundleIdentifier;
+}
 
 }  // namespace
 
@@ -57,7 +66,8 @@ DesktopWorkspace::DesktopWorkspace(Desktop& desktop) : desktop_(desktop) {
 std::vector<std::shared_ptr<ns::RunningApplication>> DesktopWorkspace::runningApplications() {
   std::vector<std::shared_ptr<ns::RunningApplication>> applications;
   for (Application& each : desktop_.runningApplications()) {
-    applications.push_back(std::make_shared<DesktopApplication>(std::move(each)));
+    applications.push_back(std::make_shared<DesktopApplication>(
+        each.pid, [identifier = std::move(each.bundleIdentifier)] { return identifier; }));
   }
   return applications;
 }
@@ -67,10 +77,8 @@ std::vector<std::shared_ptr<ns::RunningApplication>> DesktopWorkspace::runningAp
 namespace ns {
 
 std::shared_ptr<RunningApplication> RunningApplication::runningApplicationWithProcessIdentifier(pid_t pid) {
-  for (desktop::Application& each : desktop::Desktop::current().runningApplications()) {
-    if (each.pid == pid) return std::make_shared<desktop::DesktopApplication>(std::move(each));
-  }
-  return nullptr;
+  if (!desktop::Desktop::current().isApplicationRunning(pid)) return nullptr;
+  return std::make_shared<desktop::DesktopApplication>(pid, [pid] { return desktop::identifierOfProcess(pid); });
 }
 
 }  // namespace ns

@@ -283,6 +283,10 @@ std::vector<desktop::Application> SimulatedDesktop::runningApplications() {
   return applications_;
 }
 
+bool SimulatedDesktop::isApplicationRunning(pid_t pid) {
+  return std::ranges::find(applications_, pid, &desktop::Application::pid) != applications_.end();
+}
+
 bool SimulatedDesktop::hideApplication(pid_t pid) {
   if (keepsJournal) note("hide " + std::to_string(pid));
   if (refusesHiding) return false;

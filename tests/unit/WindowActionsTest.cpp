@@ -1,4 +1,5 @@
 // Where windows end up, in which order they are written, and what happens when they refuse.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -92,6 +93,7 @@ TEST_F(WindowActionsTest, HidingFallsBackStepByStep) {
   };
   EXPECT_EQ(writesOfClick(), std::vector(steps.begin(), steps.begin() + 1));
   EXPECT_TRUE(desktop.isHidden(editorPID));
+  EXPECT_EQ(std::ranges::count(desktop.journal(), "running applications"), 0) << "who they are does not matter";
 
   desktop.refusesHiding = true;
   EXPECT_EQ(writesOfClick(), std::vector(steps.begin(), steps.begin() + 2));

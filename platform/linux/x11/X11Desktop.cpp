@@ -116,6 +116,7 @@ std::optional<desktop::Display> X11Desktop::display(CGDirectDisplayID identifier
 std::vector<desktop::Screen> X11Desktop::screens() { return displays_.screens(); }
 
 std::vector<desktop::Application> X11Desktop::runningApplications() { return applications_.running(); }
+bool X11Desktop::isApplicationRunning(pid_t pid) { return !tracker_.windowsOfProcess(pid).empty(); }
 bool X11Desktop::hideApplication(pid_t pid) { return hiding_.hide(pid); }
 void X11Desktop::observeApplications(std::function<void(desktop::ApplicationChange, pid_t)> observer) {
   applications_.observe(std::move(observer));

@@ -49,6 +49,7 @@ class X11Desktop final : public desktop::Desktop {
   std::optional<desktop::Display> display(CGDirectDisplayID identifier) override;
   std::vector<desktop::Screen> screens() override;
   std::vector<desktop::Application> runningApplications() override;
+  bool isApplicationRunning(pid_t pid) override;
   bool hideApplication(pid_t pid) override;
   void observeApplications(std::function<void(desktop::ApplicationChange, pid_t)> observer) override;
 
