@@ -11,6 +11,7 @@
 #include "platform/Bundle.h"
 #include "platform/Consent.h"
 #include "platform/SingleInstance.h"
+#include "platform/Text.h"
 
 namespace ostrel {
 namespace {
@@ -72,6 +73,14 @@ std::vector<ns::DiagnosticLine> displayLines() {
   return lines;
 }
 
+/// A name that is no name but instructs the terminal must not reach it.
+std::string withoutControls(std::string_view text) {
+  std::u32string scalars = ns::unicodeScalars(text);
+  std::ranges::replace_if(
+      scalars, [](char32_t c) { return c < U' ' || (c >= 0x7F && c < 0xA0); }, U' ');
+  return ns::utf8(scalars);
+}
+
 int diagnose() {
   std::vector<ns::DiagnosticLine> lines = ns::desktopDiagnostics();
   const auto append = [&](const std::vector<ns::DiagnosticLine>& more) {
@@ -96,7 +105,8 @@ int diagnose() {
     append(displayLines());
   }
   std::cout << versionText() << "\n\n";
-  for (const auto& [title, value] : lines) std::cout << std::left << std::setw(20) << title << value << '\n';
+  for (const auto& [title, value] : lines)
+    std::cout << std::left << std::setw(20) << title << withoutControls(value) << '\n';
   return reason ? fail(*reason) : 0;
 }
 

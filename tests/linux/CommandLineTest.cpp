@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "Ostrel/JSONText.h"
@@ -150,10 +151,10 @@ TEST_F(ProgramOnDesktopTest, ListsDisplaysWithTheMarginsInEffect) {
 TEST_F(ProgramOnDesktopTest, LaterStartsTalkToTheRunningInstance) {
   EXPECT_NE(run("doctor").output.find("not running"), std::string::npos);
   folder.write("config/ostrel/preferences.json",
-               R"({"behavior.excludedApps": [{"bundleID": "org.a", "name": "Two\nlines"}]})");
+               R"({"behavior.excludedApps": [{"bundleID": "org.a", "name": "Two\nlines\u001b[31m\u009b\u007f"}]})");
   const support::ChildProcess instance({OSTREL_PROGRAM}, environment());
   EXPECT_TRUE(doctorComesToSay("waiting for Accessibility"));
-  EXPECT_NE(run("doctor").output.find("Two lines"), std::string::npos);
+  EXPECT_NE(run("doctor").output.find("Two lines [31m  \n"), std::string::npos) << "no instructions to the terminal";
   ASSERT_EQ(run("accessibility grant").status, 0);
   EXPECT_TRUE(doctorComesToSay("installed\n"));
   EXPECT_TRUE(doctorComesToSay("Watchdog            running\n"));
@@ -167,6 +168,14 @@ TEST_F(ProgramOnDesktopTest, LaterStartsTalkToTheRunningInstance) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));  // two questions, one second each
   instance.signal(SIGKILL);
   EXPECT_TRUE(doctorComesToSay("not running"));
+}
+
+TEST_F(ProgramOnDesktopTest, StartsNoBusOfItsOwn) {
+  support::ChildProcess instance({"env", "-u", "DBUS_SESSION_BUS_ADDRESS", OSTREL_PROGRAM}, environment());
+  ASSERT_TRUE(doctorComesToSay("waiting for Accessibility"));
+  instance.signal(SIGTERM);
+  EXPECT_EQ(instance.waitForExit(support::patience), 0);
+  EXPECT_FALSE(std::filesystem::exists(folder / ".dbus")) << "where a bus that was started is noted down";
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/linux/freedesktop/ApplicationIdentity.h"
+#include "platform/linux/freedesktop/Files.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace freedesktop {
@@ -142,6 +143,16 @@ TEST_F(InstalledApplicationsTest, AnAnswerHoldsUntilTheProcessEndsOrApplications
   EXPECT_EQ(identify({1, "", "", "Klass"}), "one");
   install("org.other");
   EXPECT_EQ(identify({1, "", "", "Klass"}), "org.other");
+}
+
+TEST(ExecutableTest, IsWhereItWasAfterAnUpdateInPlace) {
+  const support::TemporaryFolder folder;
+  std::filesystem::create_symlink("/opt/thing (deleted)", folder / "exe");
+  EXPECT_EQ(executableOf(folder.path()), "/opt/thing");
+  std::filesystem::remove(folder / "exe");
+  std::filesystem::create_symlink(folder.write("odd (deleted)", ""), folder / "exe");
+  EXPECT_EQ(executableOf(folder.path()), folder / "odd (deleted)") << "it is called so";
+  EXPECT_EQ(executableOf(folder / "nobody"), "");
 }
 
 }  // namespace

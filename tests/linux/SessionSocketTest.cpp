@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <future>
 
+#include "platform/linux/freedesktop/BaseFolders.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace freedesktop {
@@ -102,6 +104,25 @@ TEST_F(SessionSocketTest, AKilledInstanceLeavesNothingInTheWay) {
 TEST_F(SessionSocketTest, WithoutAFolderTheProgramStillStarts) {
   EXPECT_NE(SessionSocket::claim(folder / "missing/session", &echo), nullptr);
   EXPECT_NE(SessionSocket::claim("", &echo), nullptr);
+}
+
+TEST_F(SessionSocketTest, OnlyTheUsersOwnProcessesAndFoldersAreTrusted) {
+  const auto server = SessionSocket::claim(path, [](const std::string&) {
+    ADD_FAILURE() << "a stranger has been told";
+    return std::string();
+  });
+  EXPECT_EQ(askSession(path, "x", 10s, geteuid() + 1).status, Status::NotRunning);
+  QCoreApplication::processEvents();
+
+  EXPECT_TRUE(isPrivateFolder(folder.path(), geteuid()));
+  EXPECT_FALSE(isPrivateFolder(folder.path(), geteuid() + 1));
+  ASSERT_EQ(symlink(folder.path().c_str(), (folder / "link").c_str()), 0);
+  EXPECT_FALSE(isPrivateFolder(folder / "link", geteuid()));
+  EXPECT_FALSE(isPrivateFolder("", geteuid()));
+  setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
+  EXPECT_TRUE(sessionPath().starts_with(folder.path() + '/'));
+  ASSERT_EQ(chmod(folder.path().c_str(), 0770), 0);
+  EXPECT_FALSE(sessionPath().starts_with(folder.path()));
 }
 
 }  // namespace

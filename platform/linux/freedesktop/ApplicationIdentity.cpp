@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
@@ -149,13 +148,7 @@ std::optional<std::string> ApplicationIdentity::sandboxId(pid_t pid) const {
 std::string ApplicationIdentity::executablePath(pid_t pid) const {
   if (pid <= 0) return {};
   const std::string process = procFolder_ + '/' + std::to_string(pid);
-  std::array<char, PATH_MAX> buffer{};
-  const ssize_t length = readlink((process + "/exe").c_str(), buffer.data(), buffer.size());
-  if (length <= 0) return {};
-  std::string program(buffer.data(), static_cast<std::size_t>(length));
-  if (constexpr std::string_view deleted = " (deleted)"; program.ends_with(deleted)) {
-    program.resize(program.size() - deleted.size());  // an update replaced it while it was running
-  }
+  std::string program = executableOf(process);
   if (!isInterpreter(lastPart(program, '/'))) return program;
 
   // The script is the first argument that is no option.

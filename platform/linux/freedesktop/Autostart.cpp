@@ -2,10 +2,7 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
-#include <climits>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -90,10 +87,7 @@ sm::AppService& sm::AppService::mainAppService() {
     std::vector<std::string> folders = freedesktop::configFolders();
     folders.insert(folders.begin(), freedesktop::configHome());
     for (std::string& folder : folders) folder += "/autostart";
-    std::array<char, PATH_MAX> program{};
-    const ssize_t length = readlink("/proc/self/exe", program.data(), program.size());
-    return freedesktop::Autostart(std::move(folders),
-                                  {program.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))});
+    return freedesktop::Autostart(std::move(folders), freedesktop::executableOf());
   }();
   return service;
 }

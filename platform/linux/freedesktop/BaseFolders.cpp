@@ -54,7 +54,17 @@ std::string configHome() { return folderOrBelowHome("XDG_CONFIG_HOME", "/.config
 std::string dataHome() { return folderOrBelowHome("XDG_DATA_HOME", "/.local/share"); }
 std::vector<std::string> configFolders() { return folderList("XDG_CONFIG_DIRS", "/etc/xdg"); }
 std::vector<std::string> dataFolders() { return folderList("XDG_DATA_DIRS", "/usr/local/share:/usr/share"); }
-std::string runtimeFolder() { return absolutePath("XDG_RUNTIME_DIR"); }
+
+std::string runtimeFolder() {
+  std::string folder = absolutePath("XDG_RUNTIME_DIR");
+  return isPrivateFolder(folder, geteuid()) ? folder : std::string();
+}
+
+bool isPrivateFolder(const std::string& folder, uid_t user) {
+  struct stat status {};
+  return lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == user &&
+         (status.st_mode & 077) == 0;
+}
 
 bool makeFolders(const std::string& folder) {
   if (mkdir(folder.c_str(), 0700) == 0) return true;

@@ -1,14 +1,11 @@
 // The running application's description, fixed when it is built, and those of installed ones, from desktop entries.
 #include "platform/Bundle.h"
 
-#include <unistd.h>
-
-#include <array>
-#include <climits>
 #include <string_view>
 #include <utility>
 
 #include "platform/linux/freedesktop/DesktopEntries.h"
+#include "platform/linux/freedesktop/Files.h"
 
 namespace freedesktop {
 namespace {
@@ -16,11 +13,7 @@ namespace {
 class MainBundle final : public ns::Bundle {
  public:
   std::optional<std::string> bundleIdentifier() const override { return "ostrel"; }
-  std::string bundlePath() const override {
-    std::array<char, PATH_MAX> buffer{};
-    const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
-    return length <= 0 ? std::string() : std::string(buffer.data(), static_cast<std::size_t>(length));
-  }
+  std::string bundlePath() const override { return executableOf(); }
   std::optional<ns::PropertyList> objectForInfoDictionaryKey(std::string_view key) const override {
     if (key == "CFBundleName") return ns::PropertyList{std::string("Ostrel")};
     if (key == "CFBundleShortVersionString") return ns::PropertyList{std::string(OSTREL_VERSION)};

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -81,6 +83,16 @@ FileContent readFile(const std::string& path, std::size_t limit) {
   }
   if (content.error != 0) content.text.clear();
   return content;
+}
+
+std::string executableOf(const std::string& processFolder) {
+  std::array<char, PATH_MAX> buffer{};
+  const ssize_t length = readlink((processFolder + "/exe").c_str(), buffer.data(), buffer.size());
+  if (length <= 0) return {};
+  std::string path(buffer.data(), static_cast<std::size_t>(length));
+  constexpr std::string_view deleted = " (deleted)";
+  if (path.ends_with(deleted) && access(path.c_str(), F_OK) != 0) path.resize(path.size() - deleted.size());
+  return path;
 }
 
 int replaceFile(const std::string& path, std::string_view content) {

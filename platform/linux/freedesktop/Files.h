@@ -36,6 +36,10 @@ FileContent readFile(const std::string& path, std::size_t limit);
 /// The path at the end of a chain of links, whether or not a file is there. None for a chain without end.
 std::optional<std::string> linkTarget(std::string path);
 
+/// The program that a process runs, by its folder in /proc; where it was when it started, also when an update has
+/// replaced it since. Empty when it cannot be told.
+std::string executableOf(const std::string& processFolder = "/proc/self");
+
 /// Replaces the file at `path`, or the one that it is a link to, so that at any moment, a power cut included, either
 /// the old or the new content is there. Makes missing folders. The new file has mode 0600. 0 or an errno; then nothing
 /// has changed.

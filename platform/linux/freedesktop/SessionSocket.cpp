@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -49,6 +48,13 @@ Descriptor openLock(const std::string& path, int flags) {
   return Descriptor(open((path + ".lock").c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, 0600));
 }
 
+/// Whether the process at the other end of a connected socket is that user's.
+bool isPeerOf(uid_t user, int socket) {
+  ucred peer{};
+  socklen_t size = sizeof peer;
+  return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == user;
+}
+
 /// Asks without taking the lock, which could make a claim at the same moment fail.
 bool isLocked(const std::string& path) {
   const Descriptor file = openLock(path, 0);
@@ -84,12 +90,8 @@ std::string sessionPath() {
   if (folder.empty()) {
     // Anybody may make folders in /tmp: only one that is ours and closed to others will do.
     folder = "/tmp/ostrel-" + std::to_string(geteuid());
-    struct stat status {};
     makeFolders(folder);
-    if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid() ||
-        (status.st_mode & 077) != 0) {
-      return {};
-    }
+    if (!isPrivateFolder(folder, geteuid())) return {};
   }
   const char* variable = std::getenv("DISPLAY");
   std::string display = variable == nullptr ? "" : variable;
@@ -135,10 +137,7 @@ bool SessionSocket::listen(const std::string& path) {
 
 void SessionSocket::accept() {
   Descriptor socket(accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-  if (!socket) return;
-  ucred peer{};
-  socklen_t size = sizeof peer;
-  if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0 || peer.uid != geteuid()) return;
+  if (!socket || !isPeerOf(geteuid(), socket.get())) return;
   // Whoever connects and says nothing makes room for the next one.
   if (visitors_.size() >= mostVisitors) visitors_.pop_front();
   auto notifier = std::make_unique<QSocketNotifier>(socket.get(), QSocketNotifier::Read);
@@ -159,7 +158,8 @@ void SessionSocket::answer(std::list<Visitor>::iterator visitor) {
   send(socket.get(), reply.data(), std::min(reply.size(), longestMessage), MSG_NOSIGNAL);
 }
 
-InstanceReply askSession(const std::string& path, std::string_view request, std::chrono::milliseconds patience) {
+InstanceReply askSession(const std::string& path, std::string_view request, std::chrono::milliseconds patience,
+                         uid_t user) {
   const InstanceReply silent{.status = InstanceReply::Status::Silent, .text = {}};
   const auto where = address(path + ".sock");
   if (path.empty() || !where) return {};
@@ -167,6 +167,7 @@ InstanceReply askSession(const std::string& path, std::string_view request, std:
   while (true) {
     const Descriptor socket = makeSocket();
     if (socket.get() >= 0 && connect(socket.get(), generic(*where), sizeof *where) == 0) {
+      if (!isPeerOf(user, socket.get())) return {};
       if (send(socket.get(), request.data(), request.size(), MSG_NOSIGNAL) < 0) return silent;
       if (!waitForAnswer(socket.get(), deadline)) return silent;
       auto reply = receive(socket.get());

@@ -1,6 +1,8 @@
 // The socket by which later starts of the program reach the first one.
 #pragma once
 
+#include <unistd.h>
+
 #include <QSocketNotifier>
 #include <chrono>
 #include <functional>
@@ -44,7 +46,9 @@ class SessionSocket final : public ns::SingleInstance {
   std::list<Visitor> visitors_;
 };
 
-/// Puts a request to the process that holds the claim at `path`, for at most `patience`.
-ns::InstanceReply askSession(const std::string& path, std::string_view request, std::chrono::milliseconds patience);
+/// Puts a request to the process that holds the claim at `path`, for at most `patience`. A process that is not `user`'s
+/// is told nothing and counts as not running.
+ns::InstanceReply askSession(const std::string& path, std::string_view request, std::chrono::milliseconds patience,
+                             uid_t user = geteuid());
 
 }  // namespace freedesktop

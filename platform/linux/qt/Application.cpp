@@ -11,6 +11,7 @@
 #include "platform/linux/qt/AccessibleView.h"
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/ClickEvents.h"
+#include "platform/linux/qt/SessionBus.h"
 #include "platform/linux/qt/TaskBar.h"
 
 namespace ns {
@@ -22,6 +23,7 @@ const int signalled = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 /// What has to be settled before the toolkit starts. A program that mostly sits in the tray loads neither OpenGL nor a
 /// desktop's theme plug-ins, which would bring a second toolkit into the process.
 void prepareToolkit() {
+  qt::startNoSessionBus();
   qputenv("QT_XCB_GL_INTEGRATION", "none");
   QGuiApplication::setDesktopSettingsAware(false);
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);

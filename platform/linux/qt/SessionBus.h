@@ -3,7 +3,10 @@
 
 namespace qt {
 
-/// Whether there is one; asking for the connection without one would start a bus.
+/// Whether there is one.
 bool hasSessionBus();
+
+/// Where there is none, whoever asks for it would start one, which nobody ends: the toolkit itself does. Before that.
+void startNoSessionBus();
 
 }  // namespace qt
