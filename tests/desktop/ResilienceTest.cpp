@@ -98,17 +98,6 @@ TEST_P(Resilience, StoppedAndContinuedItWorksAgain) {
   EXPECT_TRUE(isIntercepting(window, milliseconds(5000)));
 }
 
-TEST_P(Resilience, APressThatAGrabbedServerHeldUpIsNativeAndNothingElse) {
-  const Window window = openEditor();
-  desktop.startOstrel();
-  const Point place = desktop.button(window, Button::Minimise);
-  x.grabServer();
-  x.click(place);
-  EXPECT_FALSE(x.waitUntil([&] { return x.isPointerFree(); }, milliseconds(200)));
-  x.ungrabServer();
-  expectNativeMinimise(window, startFrame);
-}
-
 TEST_P(Resilience, AWindowManagersRestartIsSurvived) {
   const Window window = openEditor();
   desktop.startOstrel();

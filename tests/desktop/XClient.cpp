@@ -209,12 +209,6 @@ bool XClient::isOn(Key lock) {
   return reply && (reply->mask & mask) != 0;
 }
 
-void XClient::grabServer() { xcb_grab_server(c_); }
-void XClient::ungrabServer() {
-  xcb_ungrab_server(c_);
-  connection_.flush();
-}
-
 bool XClient::isButtonGrabbed() {
   // Nobody else can grab between the two requests, or this question would be what fails them.
   xcb_grab_server(c_);

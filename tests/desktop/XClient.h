@@ -95,9 +95,6 @@ class XClient {
   /// Whether a lock key is on.
   bool isOn(Key lock);
 
-  /// Has the server listen to nobody else meanwhile.
-  void grabServer();
-  void ungrabServer();
   /// Whether another client holds the first button's presses on the root window.
   bool isButtonGrabbed();
   /// Whether the pointer is free, neither frozen nor grabbed.
