@@ -56,6 +56,7 @@ std::string answerRequest(std::string_view request, const OstrelController& cont
            watchdogState() + line("Excluded apps", excludedApplications(controller)) +
            line("Excluded processes", excludedProcesses(controller));
   }
+  if (request.empty()) request = settingsWord;
   if (request.substr(0, settingsWord.size()) == settingsWord) {
     request.remove_prefix(std::min(request.size(), settingsWord.size() + 1));
     if (request.empty() || isTabName(request)) {

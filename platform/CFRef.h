@@ -34,6 +34,8 @@ class CFRef {
 
   /// Lends the object; null when there is none.
   T get() const { return object_; }
+  /// Hands the reference over to the caller.
+  T release() { return std::exchange(object_, nullptr); }
   explicit operator bool() const { return object_ != nullptr; }
 
  private:

@@ -11,7 +11,8 @@ namespace ns {
 /// The claim on the session. Released by its destructor, and by the system when the process ends in any way.
 class SingleInstance {
  public:
-  /// Answers one request of a later start; called on the main thread. Both texts are UTF-8 of at most 64 KiB.
+  /// Answers one request of a later start; called on the main thread. Both texts are UTF-8 of at most 64 KiB. The empty
+  /// request is a start by way of the desktop, which carries no words.
   using Handler = std::function<std::string(const std::string& request)>;
 
   /// Null when another instance has the session. When nothing can be claimed (no folder to do it in) the claim

@@ -1,6 +1,7 @@
 #include "platform/Application.h"
 
 #import "platform/macos/Bridge.h"
+#import "platform/macos/Reopening.h"
 
 @interface OstrelApplicationDelegate : NSObject <NSApplicationDelegate>
 @end
@@ -16,6 +17,13 @@
 
 - (void)applicationWillTerminate:(NSNotification*)__unused notification {
   if (const auto delegate = _delegate.lock()) ns::callBack([&] { delegate->applicationWillTerminate(); });
+}
+
+// NO: what there is to show is shown.
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)__unused application
+                    hasVisibleWindows:(BOOL)__unused hasVisibleWindows {
+  ns::reopen();
+  return NO;
 }
 
 @end

@@ -128,7 +128,7 @@ def check_info(build, version):
     for key, wanted in {
         "CFBundleInfoDictionaryVersion": "6.0", "CFBundlePackageType": "APPL", "CFBundleExecutable": "Ostrel",
         "CFBundleName": "Ostrel", "CFBundleShortVersionString": version, "LSMinimumSystemVersion": "13.0",
-        "NSPrincipalClass": "NSApplication", "LSUIElement": True, "NSHighResolutionCapable": True,
+        "NSPrincipalClass": "NSApplication", "LSUIElement": True, "LSMultipleInstancesProhibited": True, "NSHighResolutionCapable": True,
     }.items():
         expect(info.get(key) == wanted, f"Info.plist: {key} is {info.get(key)!r}, not {wanted!r}")
     for key, pattern in {
