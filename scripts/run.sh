@@ -4,6 +4,13 @@
 source "$(dirname "$0")/lib.sh"
 if on_mac; then
   scripts/build.sh
+  # One that runs already is the old build, and opening the application would only bring that forward.
+  if pkill -x -U "$(id -u)" Ostrel; then
+    for _ in {1..50}; do
+      pgrep -x -U "$(id -u)" Ostrel >/dev/null || break
+      sleep 0.1
+    done
+  fi
   # Through Launch Services, so that the permission is asked for Ostrel and not for the terminal.
   exec open build/release/Ostrel.app --args "$@"
 fi

@@ -63,6 +63,8 @@ Window::Window(CGRect contentRect, WindowStyleMask styleMask) : native_(std::mak
                                                         defer:NO];
   // Closing hides it; this object owns it.
   native_->window.releasedWhenClosed = NO;
+  // Wherever it was left, it comes to the person and does not take them to another space.
+  native_->window.collectionBehavior = NSWindowCollectionBehaviorMoveToActiveSpace;
   // Views come and go while it is open.
   native_->window.autorecalculatesKeyViewLoop = YES;
   native_->delegate = [[OstrelWindowDelegate alloc] init];
@@ -91,7 +93,12 @@ void Window::setContentSize(CGSize size) { [native_->window setContentSize:size]
 void Window::setContentMinSize(CGSize size) { native_->window.contentMinSize = size; }
 void Window::setMinSize(CGSize size) { native_->window.minSize = size; }
 void Window::center() { [native_->window center]; }
-void Window::makeKeyAndOrderFront() { [native_->window makeKeyAndOrderFront:nil]; }
+void Window::makeKeyAndOrderFront() {
+  [native_->window makeKeyAndOrderFront:nil];
+  // The system may refuse to activate an application that no event of the person's has reached, and then leaves its
+  // windows behind those of others.
+  [native_->window orderFrontRegardless];
+}
 void Window::close() { [native_->window performClose:nil]; }
 bool Window::isVisible() const { return native_->window.visible; }
 bool Window::isFirstResponder(const View& view) const { return native_->window.firstResponder == view.native().view; }
