@@ -36,9 +36,12 @@ id toPropertyListObject(const PropertyList& value);
 /// A kind of object that PropertyList does not know (a date, data) reads as foreignValue().
 PropertyList fromPropertyListObject(id object);
 
-/// Calls from the frameworks into our code go through here.
+/// Calls from the frameworks into our code go through here. With a pool of their own, because an application without
+/// events empties its pool only when one comes, and timers and queues go on all the time.
 inline void callBack(const std::function<void()>& function) noexcept {
-  if (function) function();
+  @autoreleasepool {
+    if (function) function();
+  }
 }
 
 }  // namespace ns

@@ -51,10 +51,17 @@ PropertyList fromPropertyListObject(id object) {
   return self;
 }
 
-- (void)performAction:(id)__unused sender {
-  // A copy keeps the closure alive when the action replaces or releases what holds it.
+- (void)performAction:(id)sender {
+  // The action may release what holds the closure, this target, and the control, which then still has a press to
+  // finish: all of them stay until the run loop's next pass.
+  id keptSender = sender;
+  id keptSelf = self;
   const auto action = _action;
   ns::callBack(action);
+  dispatch_async(dispatch_get_main_queue(), ^{
+    (void)keptSender;
+    (void)keptSelf;
+  });
 }
 
 @end

@@ -13,6 +13,8 @@ class FoundationTimer final : public Timer {
                                         block:^(NSTimer*) {
                                           callBack(block);
                                         }]) {
+    // Lets the system wake up for several programs at once.
+    timer_.tolerance = interval / 10;
     // The common modes keep it ticking while a menu is open.
     [NSRunLoop.mainRunLoop addTimer:timer_ forMode:NSRunLoopCommonModes];
   }
