@@ -84,12 +84,12 @@ struct LabelNative final : TextNative {
     }
     layout.setFormats(hidden);
     const QFontMetricsF metrics(painter.font());
-    double height = 0;
+    double down = 0;
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
       line.setLineWidth(bounds.width());
-      line.setPosition({0, height});
-      height += line.height() + metrics.leading();
+      line.setPosition({0, down});
+      down += line.height() + metrics.leading();
     }
     layout.endLayout();
     layout.draw(&painter, bounds.topLeft());
