@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "platform/AutoreleasePool.h"
 #include "platform/RunLoop.h"
 
 namespace ostrel {
@@ -89,6 +90,7 @@ void OstrelController::stop() {
 
 CGEventRef ostrelEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef event, void* refcon) {
   if (refcon == nullptr) return event;
+  const ns::AutoreleasePool pool;
   const auto controller = static_cast<OstrelController*>(refcon)->shared_from_this();
   return controller->handleEvent(type, event);
 }
