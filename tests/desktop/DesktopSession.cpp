@@ -177,6 +177,10 @@ void DesktopSession::startOstrel(const Arguments& arguments) {
   settle();
 }
 
+std::string DesktopSession::applicationLog() const {
+  return home_.read("application" + std::to_string(applications_.size() - 1) + ".log");
+}
+
 std::string DesktopSession::ostrelLog() const { return home_.read("ostrel.log"); }
 
 std::vector<Window> DesktopSession::decoration(Window window) {

@@ -55,6 +55,8 @@ class DesktopSession {
   Window open(const Arguments& arguments, const Frame& frame);
   /// The process of the application that was opened last.
   support::ChildProcess& application() { return *applications_.back(); }
+  /// What it has written to its outputs.
+  std::string applicationLog() const;
   /// Gives the window a frame and waits until it has that position.
   void place(Window window, const Frame& frame);
 

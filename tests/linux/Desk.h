@@ -93,6 +93,7 @@ class Desk {
   std::unique_ptr<x11::WindowTracker> tracker_;
   std::unique_ptr<x11::Hiding> hiding_;
   std::unique_ptr<x11::Placement> placement_;
+  std::unique_ptr<x11::DrawnButtons> drawnButtons_;
   std::unique_ptr<x11::Elements> elements_;
   std::unique_ptr<Hands> hands_;
   std::unique_ptr<ManagedWindow> probe_;

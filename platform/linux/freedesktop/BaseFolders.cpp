@@ -52,6 +52,7 @@ std::vector<std::string> folderList(const char* variable, std::string_view fallb
 
 std::string configHome() { return folderOrBelowHome("XDG_CONFIG_HOME", "/.config"); }
 std::string dataHome() { return folderOrBelowHome("XDG_DATA_HOME", "/.local/share"); }
+std::string stateHome() { return folderOrBelowHome("XDG_STATE_HOME", "/.local/state"); }
 std::vector<std::string> configFolders() { return folderList("XDG_CONFIG_DIRS", "/etc/xdg"); }
 std::vector<std::string> dataFolders() { return folderList("XDG_DATA_DIRS", "/usr/local/share:/usr/share"); }
 

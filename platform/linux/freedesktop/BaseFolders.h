@@ -12,6 +12,7 @@ namespace freedesktop {
 /// home either.
 std::string configHome();
 std::string dataHome();
+std::string stateHome();
 /// The system-wide folders, most important first.
 std::vector<std::string> configFolders();
 std::vector<std::string> dataFolders();

@@ -22,6 +22,8 @@ struct Atoms {
   xcb_atom_t netFrameExtents = 0;
   xcb_atom_t netMoveresizeWindow = 0;
   xcb_atom_t netSupportingWmCheck = 0;
+  xcb_atom_t netWmActionMaximizeHorz = 0;
+  xcb_atom_t netWmActionMaximizeVert = 0;
   xcb_atom_t netWmActionMinimize = 0;
   xcb_atom_t netWmAllowedActions = 0;
   xcb_atom_t netWmDesktop = 0;

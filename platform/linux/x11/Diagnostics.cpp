@@ -31,8 +31,8 @@ std::string windowManagerName(Connection& connection) {
 }
 
 std::string howButtonsAreFound(const std::string& manager) {
-  if (windowManagerNamed(manager) != nullptr) return "the window manager's button windows; GTK's own by AT-SPI";
-  return "only GTK's own, by AT-SPI; title bars that the window manager draws are left alone";
+  const std::string first = windowManagerNamed(manager) != nullptr ? "the window manager's button windows; " : "";
+  return first + "GTK's own by AT-SPI; all others learned from clicks";
 }
 
 std::string_view environment(const char* name) {

@@ -91,24 +91,26 @@ class Elements::LevelRequest {
 };
 
 Elements::Elements(const Connection& connection, WindowTracker& tracker, Placement& placement, Hiding& hiding,
-                   ClientButtons clientButtons)
+                   ClientButtons clientButtons, DrawnButtons& drawnButtons)
     : connection_(connection),
       atoms_(connection),
       tracker_(tracker),
       placement_(placement),
       hiding_(hiding),
-      clientButtons_(std::move(clientButtons)) {}
+      clientButtons_(std::move(clientButtons)),
+      drawnButtons_(drawnButtons) {}
 
 Elements::~Elements() = default;
 
 bool Elements::mayHitButton(xcb_window_t rootChild, CGPoint position) {
   const auto window = tracker_.windowOfFrame(rootChild);
-  if (!window) return false;
   Press press{rootChild, position, {}};
-  if (isOnManagedTitleBar(*window, position)) {
+  if (window && isOnManagedTitleBar(*window, position)) {
     press.inFrame = std::make_unique<LevelRequest>(connection_, rootChild, position);
     connection_.flush();
-  } else if (!clientButtonAt(*window, position)) {
+    drawnButtons_.passedOn(std::nullopt, position);
+  } else if (!window || !knownButtonAt(*window, position)) {
+    drawnButtons_.passedOn(window && !isDescribed(*window) ? window : std::nullopt, position);
     return false;
   }
   const ns::LockGuard guard(lock_);
@@ -129,13 +131,23 @@ std::optional<Elements::Press> Elements::takePress(CGPoint position) {
   return top ? std::optional(Press{top->child, position, {}}) : std::nullopt;
 }
 
+void Elements::pretendHit(const desktop::Element& button, const std::function<void()>& work) {
+  pretendedHit_ = button;
+  work();
+  pretendedHit_.reset();
+}
+
 AXError Elements::atPosition(CGPoint position, desktop::Element& element) {
+  if (pretendedHit_) {
+    element = *pretendedHit_;
+    return kAXErrorSuccess;
+  }
   auto press = takePress(position);
   if (!press) return kAXErrorCannotComplete;
   const auto window = tracker_.windowOfFrame(press->rootChild);
   if (!window) return kAXErrorNoValue;
   const auto role = isOnManagedTitleBar(*window, position) ? managedButtonAt(*window, *std::move(press))
-                                                           : clientButtonAt(*window, position);
+                                                           : knownButtonAt(*window, position);
   element = role ? button(window->client, *role) : Elements::window(window->client);
   return kAXErrorSuccess;
 }
@@ -163,7 +175,7 @@ std::optional<ButtonRole> Elements::managedButtonAt(const Window& window, Press 
 }
 
 std::optional<ButtonRole> Elements::clientButtonAt(const Window& window, CGPoint position) const {
-  if (!window.drawsItsTitleBar()) return std::nullopt;
+  if (!window.drawsItsTitleBar() || window.geometry.fullscreen) return std::nullopt;
   const Rect frame = window.geometry.frame();
   const CGPoint inside{position.x - frame.x, position.y - frame.y};
   for (const atspi::TitleBarButton& button : clientButtons_(window.client)) {
@@ -172,13 +184,22 @@ std::optional<ButtonRole> Elements::clientButtonAt(const Window& window, CGPoint
   return std::nullopt;
 }
 
+bool Elements::isDescribed(const Window& window) const {
+  // In full screen a title bar is hidden, or only over the content while it is wanted.
+  return window.drawsItsTitleBar() && (window.geometry.fullscreen || !clientButtons_(window.client).empty());
+}
+
+std::optional<ButtonRole> Elements::knownButtonAt(const Window& window, CGPoint position) const {
+  return isDescribed(window) ? clientButtonAt(window, position) : drawnButtons_.roleAt(window, position);
+}
+
 MinimizeButton Elements::minimizeButtonOf(const Window& window) const {
   const MinimizeButton allowed = window.properties.minimizeButton();
   if (allowed == MinimizeButton::Missing || !window.drawsItsTitleBar()) return allowed;
   for (const atspi::TitleBarButton& button : clientButtons_(window.client)) {
     if (button.role == ButtonRole::Minimize) return button.enabled ? allowed : MinimizeButton::Disabled;
   }
-  return MinimizeButton::Missing;
+  return drawnButtons_.has(window, ButtonRole::Minimize) ? allowed : MinimizeButton::Missing;
 }
 
 AXError Elements::attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) const {

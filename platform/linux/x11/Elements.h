@@ -12,6 +12,7 @@
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/Hiding.h"
 #include "platform/linux/x11/Placement.h"
+#include "platform/linux/x11/TitleBars/DrawnButtons.h"
 #include "platform/linux/x11/WindowManagers/WindowManager.h"
 #include "platform/linux/x11/WindowTracker.h"
 #include "platform/portable/Desktop.h"
@@ -27,7 +28,7 @@ class Elements {
 
   /// All references are lent. `connection` is asked questions; its events are left alone.
   Elements(const Connection& connection, WindowTracker& tracker, Placement& placement, Hiding& hiding,
-           ClientButtons clientButtons);
+           ClientButtons clientButtons, DrawnButtons& drawnButtons);
   ~Elements();
   Elements(const Elements&) = delete;
   Elements& operator=(const Elements&) = delete;
@@ -41,6 +42,9 @@ class Elements {
   /// thread. The press is kept in mind, and the server asked what is under it, so that the answer is there when
   /// atPosition wants it.
   bool mayHitButton(xcb_window_t rootChild, CGPoint position);
+
+  /// Has `work` find that button wherever it looks: a press that was passed on is decided about once more. Main thread.
+  void pretendHit(const desktop::Element& button, const std::function<void()>& work);
 
   // As in desktop::Desktop.
   AXError atPosition(CGPoint position, desktop::Element& element);
@@ -63,6 +67,9 @@ class Elements {
   bool isOnManagedTitleBar(const Window& window, CGPoint position) const;
   std::optional<ButtonRole> managedButtonAt(const Window& window, Press press) const;
   std::optional<ButtonRole> clientButtonAt(const Window& window, CGPoint position) const;
+  /// From memory, whoever it is that knows; any thread.
+  std::optional<ButtonRole> knownButtonAt(const Window& window, CGPoint position) const;
+  bool isDescribed(const Window& window) const;
   MinimizeButton minimizeButtonOf(const Window& window) const;
   AXError applicationAttribute(pid_t pid, std::string_view name, desktop::Value& value) const;
   AXError windowAttribute(const Window& window, std::string_view name, desktop::Value& value) const;
@@ -74,6 +81,8 @@ class Elements {
   Placement& placement_;
   Hiding& hiding_;
   const ClientButtons clientButtons_;
+  DrawnButtons& drawnButtons_;
+  std::optional<desktop::Element> pretendedHit_;  // main thread only
   ns::Lock lock_;
   Press lastPress_ GUARDED_BY(lock_);
 };

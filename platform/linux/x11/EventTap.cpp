@@ -50,6 +50,12 @@ class EventTap::Worker : public std::enable_shared_from_this<Worker> {
 
   void setEnabled(bool enabled) { enabled_ = enabled; }
   bool isEnabled() const { return enabled_ && attached_; }
+  bool reconsider(const desktop::MouseDown& mouseDown) {
+    ns::HeldTasks consequences;
+    if (closed_ || !enabled_ || handler_(mouseDown)) return false;
+    consequences.release();
+    return true;
+  }
   void stop() {
     closed_ = true;
     stopping_ = true;
@@ -271,5 +277,12 @@ EventTap::~EventTap() {
 
 void EventTap::setEnabled(bool enabled) { worker_->setEnabled(enabled); }
 bool EventTap::isEnabled() const { return worker_->isEnabled(); }
+
+EventTap::Reconsider EventTap::reconsider() const {
+  return [weak = std::weak_ptr(worker_)](const desktop::MouseDown& mouseDown) {
+    const auto worker = weak.lock();
+    return worker && worker->reconsider(mouseDown);
+  };
+}
 
 }  // namespace x11

@@ -35,6 +35,11 @@ class EventTap final : public desktop::EventTap {
   /// False, too, while there is no connection.
   bool isEnabled() const override;
 
+  /// Decides once more about a press that was passed on: true when the handler would have swallowed it, and what it
+  /// queued is then carried out. Main thread; outlives the tap, and then answers false.
+  using Reconsider = std::function<bool(const desktop::MouseDown&)>;
+  Reconsider reconsider() const;
+
  private:
   class Worker;
   explicit EventTap(std::shared_ptr<Worker> worker);

@@ -1,6 +1,8 @@
 // Whole-pixel geometry of windows, in the root window's coordinates.
 #pragma once
 
+#include <compare>
+
 #include "platform/portable/ApplicationServices.h"
 
 namespace x11 {
@@ -22,7 +24,7 @@ struct Extents {
   int right = 0;
   int top = 0;
   int bottom = 0;
-  friend bool operator==(const Extents&, const Extents&) = default;
+  friend auto operator<=>(const Extents&, const Extents&) = default;
 };
 
 /// The frame that a person sees: the client grown by the window manager's decoration and less the shadow that the

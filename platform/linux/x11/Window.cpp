@@ -122,7 +122,10 @@ WindowProperties PropertiesRequest::receive() {
     }
   }
   if (const auto allowed = receiveProperty(connection_, allowed_); allowed && allowed->format == 32) {
-    properties.minimizeIsAllowed = contains(propertyItems(allowed), atoms_.netWmActionMinimize);
+    const auto actions = propertyItems(allowed);
+    properties.minimizeIsAllowed = contains(actions, atoms_.netWmActionMinimize);
+    properties.maximizeIsAllowed =
+        contains(actions, atoms_.netWmActionMaximizeHorz) && contains(actions, atoms_.netWmActionMaximizeVert);
   }
   const std::string names = propertyText(receiveProperty(connection_, class_));
   const std::size_t end = std::min(names.find('\0'), names.size());

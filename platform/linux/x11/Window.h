@@ -53,6 +53,7 @@ struct WindowProperties {
   bool functionsHaveMinimize = true;
   /// None when the window manager does not tell.
   std::optional<bool> minimizeIsAllowed;
+  std::optional<bool> maximizeIsAllowed;
   std::string windowInstance;
   std::string windowClass;
   std::string gtkApplicationId;

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "platform/Diagnostics.h"
+#include "platform/RunLoop.h"
+#include "platform/linux/freedesktop/BaseFolders.h"
 #include "platform/linux/freedesktop/Consent.h"
 #include "platform/linux/freedesktop/JSONUserDefaults.h"
 #include "platform/linux/x11/EventTap.h"
@@ -53,10 +55,17 @@ X11Desktop::X11Desktop(Connections connections, std::function<void()> onLoss)
       hiding_(*connection_, tracker_),
       applications_(tracker_, identity_),
       placement_(std::move(connections.placement)),
-      elements_(*connection_, tracker_, placement_, hiding_,
-                [this](xcb_window_t client) { return titleBarButtons_.buttons(client); }) {
+      drawnButtons_(*connection_, tracker_, freedesktop::stateHome() + "/ostrel/title-bars.json",
+                    [this](const PassedPress& press, ButtonRole role) { makeGood(press, role); }),
+      elements_(
+          *connection_, tracker_, placement_, hiding_,
+          [this](xcb_window_t client) { return titleBarButtons_.buttons(client); }, drawnButtons_) {
   tracker_.observe([this](WindowChange change, const Window& window) { tellOfTitleBar(change, window); });
-  tracker_.observeEvents([this](const xcb_generic_event_t& event) { displays_.handleEvent(event); });
+  tracker_.observe([this](WindowChange change, const Window& window) { drawnButtons_.changed(change, window); });
+  tracker_.observeEvents([this](const xcb_generic_event_t& event) {
+    displays_.handleEvent(event);
+    drawnButtons_.handleEvent(event);
+  });
   tracker_.onLoss(std::move(onLoss));
   tracker_.start();
 }
@@ -74,6 +83,25 @@ void X11Desktop::tellOfTitleBar(WindowChange change, const Window& window) {
   titleBarButtons_.update({window.client, window.pid, boxed(geometry.frame()), boxed(geometry.client),
                            geometry.maximizedHorizontally || geometry.maximizedVertically || geometry.fullscreen,
                            window.properties.title});
+}
+
+void X11Desktop::makeGood(const PassedPress& press, ButtonRole role) {
+  ns::dispatchAsyncOnMainQueue([weak = std::weak_ptr(self_), press, role] {
+    const auto self = weak.lock();
+    if (!self) return;
+    X11Desktop& desktop = **self;
+    const xcb_window_t client = press.window.client;
+    bool isTaken = false;
+    desktop.elements_.pretendHit(Elements::button(client, role), [&] {
+      isTaken = desktop.reconsider_ && desktop.reconsider_({kCGEventLeftMouseDown, 0, press.position});
+    });
+    if (!isTaken || role != ButtonRole::Minimize) return;
+    // Behind the action, so that the window comes back where it is wanted.
+    ns::dispatchAsyncOnMainQueue([weak, client] {
+      const auto same = weak.lock();
+      if (same) (*same)->elements_.setAttribute(Elements::window(client), "AXMinimized", false);
+    });
+  });
 }
 
 bool X11Desktop::isProcessTrusted() { return freedesktop::Consent::shared().isTrusted(); }
@@ -98,9 +126,11 @@ AXError X11Desktop::processIdentifier(const desktop::Element& element, pid_t& pi
 }
 
 std::unique_ptr<desktop::EventTap> X11Desktop::createEventTap(CGEventMask mask, desktop::EventTapHandler handler) {
-  return EventTap::create(mask, std::move(handler), [this](xcb_window_t rootChild, CGPoint position) {
+  auto tap = EventTap::create(mask, std::move(handler), [this](xcb_window_t rootChild, CGPoint position) {
     return elements_.mayHitButton(rootChild, position);
   });
+  if (tap) reconsider_ = tap->reconsider();
+  return tap;
 }
 
 CGError X11Desktop::activeDisplays(std::vector<CGDirectDisplayID>& displays) {

@@ -12,6 +12,7 @@
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/DisplayList.h"
 #include "platform/linux/x11/Elements.h"
+#include "platform/linux/x11/EventTap.h"
 #include "platform/linux/x11/Hiding.h"
 #include "platform/linux/x11/Placement.h"
 #include "platform/linux/x11/WindowTracker.h"
@@ -54,6 +55,8 @@ class X11Desktop final : public desktop::Desktop {
   void observeApplications(std::function<void(desktop::ApplicationChange, pid_t)> observer) override;
 
  private:
+  /// The tracker's thread: a button that was not known has had its native effect.
+  void makeGood(const PassedPress& press, ButtonRole role);
   void tellOfTitleBar(WindowChange change, const Window& window);
 
   const std::unique_ptr<Connection> connection_;
@@ -64,7 +67,11 @@ class X11Desktop final : public desktop::Desktop {
   Hiding hiding_;
   Applications applications_;
   Placement placement_;
+  DrawnButtons drawnButtons_;
   Elements elements_;
+  EventTap::Reconsider reconsider_;  // main thread only
+  /// Held weakly by what waits in the main queue.
+  const std::shared_ptr<X11Desktop*> self_ = std::make_shared<X11Desktop*>(this);
 };
 
 }  // namespace x11

@@ -1,0 +1,138 @@
+#include "platform/linux/x11/TitleBars/DrawnButtons.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "platform/linux/freedesktop/Files.h"
+
+namespace x11 {
+
+namespace {
+
+constexpr int noScale = 100;
+constexpr int rim = 2;
+constexpr unsigned anyButton =
+    XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 | XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
+
+ButtonBook read(const std::string& file) {
+  constexpr std::size_t largestFile = 4 * 1024 * 1024;
+  if (file.empty()) return {};
+  const freedesktop::FileContent content = freedesktop::readFile(file, largestFile);
+  if (content.error == ENOENT) return {};
+  if (content.error == 0) {
+    if (auto book = ButtonBook::parse(content.text)) return *std::move(book);
+  }
+  const std::string aside = file + ".damaged";
+  std::rename(file.c_str(), aside.c_str());
+  freedesktop::logWarning("what was learned about title bars is damaged; it is kept in " + aside);
+  return {};
+}
+
+}  // namespace
+
+DrawnButtons::DrawnButtons(const Connection& connection, const WindowTracker& tracker, std::string file,
+                           EffectHandler onEffect)
+    : connection_(connection),
+      tracker_(tracker),
+      file_(std::move(file)),
+      idleTime_(connection),
+      onEffect_(std::move(onEffect)),
+      book_(read(file_)) {}
+
+std::optional<ButtonRole> DrawnButtons::roleAt(const Window& window, CGPoint position) const {
+  const auto spot = spotOf(window, position, noScale);
+  if (!spot) return std::nullopt;
+  const auto kind = kindOf(window, tracker_.windowManager().name, noScale);
+  if (!kind) return std::nullopt;
+  const ns::LockGuard guard(lock_);
+  const ButtonEvidence* evidence = book_.evidence(*kind);
+  if (evidence == nullptr) return std::nullopt;
+  for (const StoredButton& button : evidence->buttons()) {
+    if (button.contains(*spot, rim)) return button.role;
+  }
+  return std::nullopt;
+}
+
+bool DrawnButtons::has(const Window& window, ButtonRole role) const {
+  const auto kind = kindOf(window, tracker_.windowManager().name, noScale);
+  const ns::LockGuard guard(lock_);
+  const ButtonEvidence* evidence = kind ? book_.evidence(*kind) : nullptr;
+  if (evidence == nullptr) return false;
+  const auto& buttons = evidence->buttons();
+  return std::any_of(buttons.begin(), buttons.end(), [role](const StoredButton& one) { return one.role == role; });
+}
+
+void DrawnButtons::passedOn(const std::optional<Window>& window, CGPoint position) {
+  const auto spot = window ? spotOf(*window, position, noScale) : std::nullopt;
+  const auto kind = spot ? kindOf(*window, tracker_.windowManager().name, noScale) : std::nullopt;
+  std::optional<Outcome> outcome;
+  {
+    const ns::LockGuard guard(lock_);
+    ++presses_;
+    if (!kind) return watch_.giveUp();
+    outcome = watch_.pressed({*window, *kind, *spot, position, presses_, std::chrono::steady_clock::now()});
+  }
+  if (outcome) learn(*outcome);
+}
+
+void DrawnButtons::handleEvent(const xcb_generic_event_t& event) {
+  if ((event.response_type & 0x7f) != XCB_MAP_NOTIFY) return;
+  // A menu, a tooltip or the like has come up: what nobody manages.
+  if (reinterpret_cast<const xcb_map_notify_event_t&>(event).override_redirect == 0) return;
+  const ns::LockGuard guard(lock_);
+  watch_.giveUp();
+}
+
+void DrawnButtons::changed(WindowChange change, const Window& window) {
+  const auto now = change == WindowChange::Removed ? std::nullopt : std::optional(window);
+  {
+    const ns::LockGuard guard(lock_);
+    if (change == WindowChange::Added) watch_.windowAppeared(window.pid);
+    if (!watch_.isEffect(window.client, now)) return;
+  }
+  const auto hands = lookAtHands();
+  std::optional<Outcome> outcome;
+  {
+    const ns::LockGuard guard(lock_);
+    if (!hands) return watch_.giveUp();
+    outcome = watch_.changed(window.client, now, *hands);
+  }
+  if (!outcome) return;
+  learn(*outcome);
+  if (outcome->role != ButtonRole::Close) onEffect_(outcome->press, *outcome->role);
+}
+
+void DrawnButtons::learn(const Outcome& outcome) {
+  std::string text;
+  {
+    const ns::LockGuard guard(lock_);
+    const bool hasChanged = book_.add(outcome.press.kind, {outcome.role, outcome.press.spot});
+    // A press that did nothing and was no news: most clicks in title bars are.
+    if (file_.empty() || (!outcome.role && !hasChanged)) return;
+    text = book_.text();
+  }
+  if (const int error = freedesktop::replaceFile(file_, text)) {
+    freedesktop::logWarning("cannot store what was learned about title bars: " + std::string(std::strerror(error)));
+  }
+}
+
+std::optional<Hands> DrawnButtons::lookAtHands() const {
+  const auto cookie = xcb_query_pointer(connection_.get(), connection_.root());
+  const auto idle = idleTime_.ask();
+  const auto pointer = connection_.reply(xcb_query_pointer_reply, cookie);
+  if (!pointer || !idle) return std::nullopt;
+  Hands hands;
+  hands.pointer = {static_cast<CGFloat>(pointer->root_x), static_cast<CGFloat>(pointer->root_y)};
+  hands.anyButtonDown = (pointer->mask & anyButton) != 0;
+  hands.pointerIdle = idle->pointer;
+  hands.keyboardIdle = idle->keyboard;
+  hands.time = std::chrono::steady_clock::now();
+  const ns::LockGuard guard(lock_);
+  hands.presses = presses_;
+  return hands;
+}
+
+}  // namespace x11

@@ -1,0 +1,60 @@
+// Title-bar buttons that nobody describes: neither windows of their own nor known to assistive technology. What presses
+// did tells where they are.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/Lock.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/TitleBars/ButtonBook.h"
+#include "platform/linux/x11/TitleBars/IdleTime.h"
+#include "platform/linux/x11/TitleBars/PressWatch.h"
+#include "platform/linux/x11/WindowTracker.h"
+
+namespace x11 {
+
+/// Follows presses and what becomes of windows. No question is put to anybody while a press waits for its answer.
+class DrawnButtons {
+ public:
+  /// A press that was passed on, because its button was not known, has had its native effect: minimise or zoom. Called
+  /// on the tracker's thread, without a lock.
+  using EffectHandler = std::function<void(const PassedPress& press, ButtonRole role)>;
+
+  /// References are lent. `connection` is asked questions; its events are left alone. `file` is where what is learned
+  /// lasts, and is read now; empty for nowhere.
+  DrawnButtons(const Connection& connection, const WindowTracker& tracker, std::string file, EffectHandler onEffect);
+  DrawnButtons(const DrawnButtons&) = delete;
+  DrawnButtons& operator=(const DrawnButtons&) = delete;
+
+  /// The button at a point of the root window that lies in the window. From memory; any thread.
+  std::optional<ButtonRole> roleAt(const Window& window, CGPoint position) const;
+
+  /// Whether it is known where that window has this button. From memory; any thread.
+  bool has(const Window& window, ButtonRole role) const;
+
+  /// The tap's thread, at each press that is not taken for a button; `window` is what it falls into when nobody else
+  /// knows that window's buttons.
+  void passedOn(const std::optional<Window>& window, CGPoint position);
+
+  /// The tracker's observers.
+  void changed(WindowChange change, const Window& window);
+  void handleEvent(const xcb_generic_event_t& event);
+
+ private:
+  void learn(const Outcome& outcome);
+  std::optional<Hands> lookAtHands() const;
+
+  const Connection& connection_;
+  const WindowTracker& tracker_;
+  const std::string file_;
+  const IdleTime idleTime_;
+  const EffectHandler onEffect_;
+  mutable ns::Lock lock_;
+  std::uint64_t presses_ GUARDED_BY(lock_) = 0;
+  PressWatch watch_ GUARDED_BY(lock_);
+  ButtonBook book_ GUARDED_BY(lock_);
+};
+
+}  // namespace x11
