@@ -200,8 +200,8 @@ TEST_P(Windows, ComeBackWhenTheirWorkspaceIsEntered) {
   for (const auto& [window, workspace] : places) {
     desk.manage(*window);
     desk.moveToWorkspace(window->window(), workspace);
-    ASSERT_TRUE(desk.waitFor([&, w = window->window(), workspace = workspace] {
-      return desk.windowOf(w).properties.workspace == workspace;
+    ASSERT_TRUE(desk.waitFor([&, client = window->window(), wanted = workspace] {
+      return desk.windowOf(client).properties.workspace == wanted;
     }));
   }
   const auto areOnScreen = [&](const std::vector<ManagedWindow*>& expected) {
