@@ -44,7 +44,8 @@ std::optional<ns::PropertyList> propertyList(const Json& json) {
       for (const auto& [key, element] : json.items()) {
         if (auto value = propertyList(element)) dictionary.emplace(key, *std::move(value));
       }
-      return ns::PropertyList{std::move(dictionary)};
+      // Made in place: g++ 14 warns that the value this would be moved from may hold a text that was never made.
+      return std::make_optional<ns::PropertyList>(std::move(dictionary));
     }
     default:
       return std::nullopt;
