@@ -64,10 +64,10 @@ std::vector<ns::DiagnosticLine> displayLines() {
   std::vector<ns::DiagnosticLine> lines;
   for (const DisplayInfo& display : activeDisplays()) {
     const auto number = [](CGFloat value) { return jsonNumber(value); };
-    lines.push_back({lines.empty() ? "Displays" : "", display.name + ", " + number(display.bounds.size.width) + " × " +
-                                                          number(display.bounds.size.height) + " at (" +
-                                                          number(display.bounds.origin.x) + ", " +
-                                                          number(display.bounds.origin.y) + ")"});
+    lines.push_back({lines.empty() ? "Displays" : "",
+                     display.name + ", " + number(display.bounds.size.width) + " × " +
+                         number(display.bounds.size.height) + " at (" + number(display.bounds.origin.x) + ", " +
+                         number(display.bounds.origin.y) + "), scale " + number(displayScale(display.id))});
   }
   if (lines.empty()) lines.push_back({"Displays", "none"});
   return lines;
@@ -203,7 +203,8 @@ std::string displaysAsJSON() {
         ",\n      \"identityKey\": " + jsonText(display.identityKey) +
         ",\n      \"bounds\": { \"x\": " + jsonNumber(bounds.origin.x) + ", \"y\": " + jsonNumber(bounds.origin.y) +
         ", \"width\": " + jsonNumber(bounds.size.width) + ", \"height\": " + jsonNumber(bounds.size.height) +
-        " },\n      \"margins\": { \"top\": " + jsonNumber(margins.top) + ", \"left\": " + jsonNumber(margins.left) +
+        " },\n      \"scale\": " + jsonNumber(displayScale(display.id)) +
+        ",\n      \"margins\": { \"top\": " + jsonNumber(margins.top) + ", \"left\": " + jsonNumber(margins.left) +
         ", \"right\": " + jsonNumber(margins.right) + ", \"bottom\": " + jsonNumber(margins.bottom) + " }\n    }";
   }
   if (!displays.empty()) displays += "\n  ";

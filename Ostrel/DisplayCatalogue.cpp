@@ -22,6 +22,13 @@ std::optional<CGDirectDisplayID> screenNumber(const ns::Screen& screen) {
   return static_cast<CGDirectDisplayID>(*real);
 }
 
+std::optional<ns::Screen> screenOf(CGDirectDisplayID id) {
+  auto screens = ns::Screen::screens();
+  const auto screen =
+      std::find_if(screens.begin(), screens.end(), [id](const ns::Screen& each) { return screenNumber(each) == id; });
+  return screen == screens.end() ? std::nullopt : std::optional(std::move(*screen));
+}
+
 std::string joined(const std::vector<DisplayInfo>& displays, std::string DisplayInfo::*part, std::string_view separator,
                    std::string_view ifEmpty) {
   std::string text;
@@ -54,12 +61,15 @@ std::vector<DisplayInfo> activeDisplays() {
 }
 
 std::string displayName(CGDirectDisplayID id) {
-  const auto screens = ns::Screen::screens();
-  const auto screen =
-      std::find_if(screens.begin(), screens.end(), [id](const ns::Screen& each) { return screenNumber(each) == id; });
-  std::string name = screen != screens.end() ? screen->localizedName : "Display " + std::to_string(id);
+  const auto screen = screenOf(id);
+  std::string name = screen ? screen->localizedName : "Display " + std::to_string(id);
   if (CGDisplayIsMain(id) != 0) name += " (main display)";
   return name;
+}
+
+double displayScale(CGDirectDisplayID id) {
+  const auto screen = screenOf(id);
+  return screen ? screen->backingScaleFactor : 1;
 }
 
 std::string sanitizedKey(std::string_view text) {

@@ -38,6 +38,8 @@ struct DisplayConfigurationInfo {
 /// In the system's order; empty when the list cannot be read.
 std::vector<DisplayInfo> activeDisplays();
 std::string displayName(CGDirectDisplayID id);
+/// How many pixels make a point on it; 1 when that cannot be told.
+double displayScale(CGDirectDisplayID id);
 /// Every run of scalars that are not alphanumeric as one hyphen, none at the ends.
 std::string sanitizedKey(std::string_view text);
 /// Where a display stands takes no part in its key.

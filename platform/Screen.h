@@ -13,6 +13,8 @@ struct Screen {
   std::string localizedName;
   /// Holds the display identifier as a number under "NSScreenNumber".
   Dictionary deviceDescription;
+  /// How many pixels make a point.
+  double backingScaleFactor = 1;
 
   /// All screens now, the main one first. Main thread only.
   static std::vector<Screen> screens();

@@ -48,6 +48,8 @@ struct Screen {
   /// The display's identifier as a number; none or another type when the desktop cannot tell.
   std::optional<ns::PropertyList> number;
   std::string localizedName;
+  /// Pixels a point.
+  double scale = 1;
 };
 
 struct Application {

@@ -163,6 +163,12 @@ void XClient::sendToRoot(Window window, const std::string& type, const std::vect
   connection_.flush();
 }
 
+void XClient::setResources(const std::string& text) {
+  xcb_change_property(c_, XCB_PROP_MODE_REPLACE, root(), connection_.atom("RESOURCE_MANAGER"), XCB_ATOM_STRING, 8,
+                      static_cast<std::uint32_t>(text.size()), text.data());
+  connection_.synchronise();
+}
+
 void XClient::moveResize(Window window, const Frame& wanted) {
   const auto now = frame(window);
   const auto client = rectangle(window);

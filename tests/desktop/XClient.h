@@ -73,6 +73,8 @@ class XClient {
   /// Where a tray shows the icon that was embedded in it.
   std::optional<Frame> trayIcon();
 
+  /// Replaces the resources that programs read when they start.
+  void setResources(const std::string& text);
   /// Asks the window manager for a frame.
   void moveResize(Window window, const Frame& frame);
   /// Raises, focuses and brings back from the icon.

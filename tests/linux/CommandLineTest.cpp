@@ -138,6 +138,7 @@ TEST_F(ProgramOnDesktopTest, ListsDisplaysWithTheMarginsInEffect) {
   EXPECT_EQ(catalogue.at("key"), display.at("identityKey"));
   EXPECT_EQ(catalogue.at("label"), display.at("name"));
   EXPECT_EQ(display.at("bounds"), nlohmann::json({{"x", 0}, {"y", 0}, {"width", 1440}, {"height", 900}}));
+  EXPECT_EQ(display.at("scale"), 1);
   EXPECT_EQ(display.at("margins"), nlohmann::json({{"top", 56}, {"left", 32}, {"right", 32}, {"bottom", 32}}));
 
   nlohmann::json preferences{{"margins.left", "12.5"}};

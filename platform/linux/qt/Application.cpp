@@ -4,15 +4,18 @@
 #include <sys/eventfd.h>
 
 #include <QApplication>
+#include <QByteArray>
 #include <QSocketNotifier>
 #include <QWidget>
 #include <utility>
+#include <vector>
 
 #include "platform/linux/qt/AccessibleView.h"
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/ClickEvents.h"
 #include "platform/linux/qt/SessionBus.h"
 #include "platform/linux/qt/TaskBar.h"
+#include "platform/linux/x11/Scale.h"
 
 namespace ns {
 namespace {
@@ -28,6 +31,39 @@ void prepareToolkit() {
   QGuiApplication::setDesktopSettingsAware(false);
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }
+
+/// Has the toolkit draw at the scale that windows and displays are told at, whatever it makes of the desktop's settings
+/// by itself. It asks the environment when it starts; what is started from here is to find the environment as it was.
+class ToolkitScale {
+ public:
+  ToolkitScale() {
+    // Without an X server the environment is all there is.
+    if (const QByteArray platform = qgetenv("QT_QPA_PLATFORM"); !platform.isEmpty() && platform != "xcb") return;
+    put("QT_SCALE_FACTOR", QByteArray::number(x11::scaleOfThisProcess(), 'g', 17));
+    put("QT_FONT_DPI", "96");
+    for (const char* other : {"QT_SCREEN_SCALE_FACTORS", "QT_USE_PHYSICAL_DPI"}) put(other, {});
+  }
+  ~ToolkitScale() {
+    for (const auto& [name, value] : before_) set(name, value);
+  }
+  ToolkitScale(const ToolkitScale&) = delete;
+  ToolkitScale& operator=(const ToolkitScale&) = delete;
+
+ private:
+  void put(const char* name, const QByteArray& value) {
+    before_.emplace_back(name, qgetenv(name));
+    set(name, value);
+  }
+  static void set(const char* name, const QByteArray& value) {
+    if (value.isNull()) {
+      qunsetenv(name);
+    } else {
+      qputenv(name, value);
+    }
+  }
+
+  std::vector<std::pair<const char*, QByteArray>> before_;
+};
 
 class QtApplication final : public Application {
  public:
@@ -98,6 +134,7 @@ std::shared_ptr<Application> Application::sharedApplication() {
   auto application = shared.lock();
   if (!application) {
     prepareToolkit();
+    const ToolkitScale scale;
     shared = application = std::make_shared<QtApplication>();
   }
   return application;

@@ -13,9 +13,9 @@
 
 namespace x11 {
 
-/// One active monitor. Bounds are in the root window's coordinates, as every position of the X11 backing is. They are
-/// the global display space's own except that the origin is the root window's corner, which lies at the main display's
-/// corner only when that display is the leftmost and topmost one.
+/// One active monitor. Bounds are in the root window's coordinates, in pixels, as every position of the X11 backing is.
+/// They are the global display space's own except for the scale, and that the origin is the root window's corner, which
+/// lies at the main display's corner only when that display is the leftmost and topmost one.
 struct Monitor {
   /// Made from the connector's name, so that it survives unplugging, reordering and restarts; never 0.
   CGDirectDisplayID identifier = 0;

@@ -54,8 +54,10 @@ Rect PlacementGoal::appliedTo(const Rect& frame) const {
     result.y = wholePixels(position->y);
   }
   if (size) {
-    result.width = std::max(wholePixels(size->width), 1);
-    result.height = std::max(wholePixels(size->height), 1);
+    // The edges are rounded, not the lengths: opposite margins that are equal stay so, to the pixel.
+    const CGPoint corner = position.value_or(CGPointMake(frame.x, frame.y));
+    result.width = std::max(wholePixels(corner.x + size->width) - result.x, 1);
+    result.height = std::max(wholePixels(corner.y + size->height) - result.y, 1);
   }
   return result;
 }

@@ -12,6 +12,7 @@
 #include "platform/linux/freedesktop/Consent.h"
 #include "platform/linux/freedesktop/JSONUserDefaults.h"
 #include "platform/linux/x11/EventTap.h"
+#include "platform/linux/x11/Scale.h"
 
 namespace x11 {
 
@@ -42,12 +43,13 @@ X11Desktop& X11Desktop::shared() {
         if (!connections.questions || !connections.tracking || !connections.placement) endWithoutServer();
         return connections;
       }(),
-      endAfterLoss);
+      scaleOfThisProcess(), endAfterLoss);
   return desktop;
 }
 
-X11Desktop::X11Desktop(Connections connections, std::function<void()> onLoss)
+X11Desktop::X11Desktop(Connections connections, double scale, std::function<void()> onLoss)
     : connection_(std::move(connections.questions)),
+      points_(scale),
       identity_(freedesktop::DesktopEntries::shared()),
       displays_(*connection_, *connections.tracking),
       titleBarButtons_([](std::uint32_t) {}),
@@ -55,7 +57,7 @@ X11Desktop::X11Desktop(Connections connections, std::function<void()> onLoss)
       hiding_(*connection_, tracker_),
       applications_(tracker_, identity_),
       placement_(std::move(connections.placement)),
-      drawnButtons_(*connection_, tracker_, freedesktop::stateHome() + "/ostrel/title-bars.json",
+      drawnButtons_(*connection_, tracker_, scale, freedesktop::stateHome() + "/ostrel/title-bars.json",
                     [this](const PassedPress& press, ButtonRole role) { makeGood(press, role); }),
       elements_(
           *connection_, tracker_, placement_, hiding_,
@@ -113,12 +115,22 @@ AXError X11Desktop::elementAtPosition(CGPoint position, desktop::Element& elemen
   // Every client is told of a new keyboard mapping, whatever it has asked for.
   while (connection_->pollEvent()) {
   }
-  return elements_.atPosition(position, element);
+  return elements_.atPosition(points_.pixelAt(position), element);
 }
 AXError X11Desktop::attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) {
-  return elements_.attribute(element, name, value);
+  const AXError error = elements_.attribute(element, name, value);
+  if (error != kAXErrorSuccess) return error;
+  if (auto* const point = std::get_if<CGPoint>(&value)) *point = points_.fromPixels(*point);
+  if (auto* const size = std::get_if<CGSize>(&value)) *size = points_.fromPixels(*size);
+  return kAXErrorSuccess;
 }
 AXError X11Desktop::setAttribute(const desktop::Element& element, std::string_view name, const desktop::Value& value) {
+  if (const auto* const point = std::get_if<CGPoint>(&value)) {
+    return elements_.setAttribute(element, name, points_.toPixels(*point));
+  }
+  if (const auto* const size = std::get_if<CGSize>(&value)) {
+    return elements_.setAttribute(element, name, points_.toPixels(*size));
+  }
   return elements_.setAttribute(element, name, value);
 }
 AXError X11Desktop::processIdentifier(const desktop::Element& element, pid_t& pid) {
@@ -126,7 +138,11 @@ AXError X11Desktop::processIdentifier(const desktop::Element& element, pid_t& pi
 }
 
 std::unique_ptr<desktop::EventTap> X11Desktop::createEventTap(CGEventMask mask, desktop::EventTapHandler handler) {
-  auto tap = EventTap::create(mask, std::move(handler), [this](xcb_window_t rootChild, CGPoint position) {
+  const auto deliver = [points = points_, handler = std::move(handler)](desktop::MouseDown mouseDown) {
+    mouseDown.location = points.fromPixels(mouseDown.location);
+    return handler(mouseDown);
+  };
+  auto tap = EventTap::create(mask, deliver, [this](xcb_window_t rootChild, CGPoint position) {
     return elements_.mayHitButton(rootChild, position);
   });
   if (tap) reconsider_ = tap->reconsider();
@@ -140,10 +156,17 @@ CGError X11Desktop::activeDisplays(std::vector<CGDirectDisplayID>& displays) {
 
 std::optional<desktop::Display> X11Desktop::display(CGDirectDisplayID identifier) {
   const Monitor* monitor = displays_.monitor(identifier);
-  return monitor == nullptr ? std::nullopt : std::optional(monitor->display);
+  if (monitor == nullptr) return std::nullopt;
+  desktop::Display display = monitor->display;
+  display.bounds = points_.fromPixels(display.bounds);
+  return display;
 }
 
-std::vector<desktop::Screen> X11Desktop::screens() { return displays_.screens(); }
+std::vector<desktop::Screen> X11Desktop::screens() {
+  std::vector<desktop::Screen> screens = displays_.screens();
+  for (desktop::Screen& screen : screens) screen.scale = points_.scale();
+  return screens;
+}
 
 std::vector<desktop::Application> X11Desktop::runningApplications() { return applications_.running(); }
 bool X11Desktop::isApplicationRunning(pid_t pid) { return !tracker_.windowsOfProcess(pid).empty(); }

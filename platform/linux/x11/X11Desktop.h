@@ -15,26 +15,28 @@
 #include "platform/linux/x11/EventTap.h"
 #include "platform/linux/x11/Hiding.h"
 #include "platform/linux/x11/Placement.h"
+#include "platform/linux/x11/Points.h"
 #include "platform/linux/x11/WindowTracker.h"
 #include "platform/portable/Desktop.h"
 
 namespace x11 {
 
-/// Composes the parts of this folder; each of them has its own subject.
+/// Composes the parts of this folder; each of them has its own subject. They reckon in pixels, and here is where pixels
+/// become points and points pixels.
 class X11Desktop final : public desktop::Desktop {
  public:
   /// The one that desktop::Desktop::current() answers. Without an X server, and when the server goes away later, it
   /// says so on the standard error and ends the program with status 1.
   static X11Desktop& shared();
 
-  /// Each of the three connections becomes this desktop's own; none may be null. `onLoss` is called on another thread
-  /// when the X server has gone.
+  /// Each of the three connections becomes this desktop's own; none may be null. `scale`: pixels a point. `onLoss` is
+  /// called on another thread when the X server has gone.
   struct Connections {
     std::unique_ptr<Connection> questions;
     std::unique_ptr<Connection> tracking;
     std::unique_ptr<Connection> placement;
   };
-  X11Desktop(Connections connections, std::function<void()> onLoss);
+  X11Desktop(Connections connections, double scale, std::function<void()> onLoss);
   ~X11Desktop() override;
 
   bool isProcessTrusted() override;
@@ -60,6 +62,7 @@ class X11Desktop final : public desktop::Desktop {
   void tellOfTitleBar(WindowChange change, const Window& window);
 
   const std::unique_ptr<Connection> connection_;
+  const Points points_;
   freedesktop::ApplicationIdentity identity_;
   DisplayList displays_;
   atspi::TitleBarButtons titleBarButtons_;

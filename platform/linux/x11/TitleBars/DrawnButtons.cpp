@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -12,8 +13,7 @@ namespace x11 {
 
 namespace {
 
-constexpr int noScale = 100;
-constexpr int rim = 2;
+constexpr int rim = 2;  // points
 constexpr unsigned anyButton =
     XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 | XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
 
@@ -33,31 +33,32 @@ ButtonBook read(const std::string& file) {
 
 }  // namespace
 
-DrawnButtons::DrawnButtons(const Connection& connection, const WindowTracker& tracker, std::string file,
+DrawnButtons::DrawnButtons(const Connection& connection, const WindowTracker& tracker, double scale, std::string file,
                            EffectHandler onEffect)
     : connection_(connection),
       tracker_(tracker),
+      scale_(static_cast<int>(std::lround(scale * 100))),
       file_(std::move(file)),
       idleTime_(connection),
       onEffect_(std::move(onEffect)),
       book_(read(file_)) {}
 
 std::optional<ButtonRole> DrawnButtons::roleAt(const Window& window, CGPoint position) const {
-  const auto spot = spotOf(window, position, noScale);
+  const auto spot = spotOf(window, position, scale_);
   if (!spot) return std::nullopt;
-  const auto kind = kindOf(window, tracker_.windowManager().name, noScale);
+  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
   if (!kind) return std::nullopt;
   const ns::LockGuard guard(lock_);
   const ButtonEvidence* evidence = book_.evidence(*kind);
   if (evidence == nullptr) return std::nullopt;
   for (const StoredButton& button : evidence->buttons()) {
-    if (button.contains(*spot, rim)) return button.role;
+    if (button.contains(*spot, rim * scale_ / 100)) return button.role;
   }
   return std::nullopt;
 }
 
 bool DrawnButtons::has(const Window& window, ButtonRole role) const {
-  const auto kind = kindOf(window, tracker_.windowManager().name, noScale);
+  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
   const ns::LockGuard guard(lock_);
   const ButtonEvidence* evidence = kind ? book_.evidence(*kind) : nullptr;
   if (evidence == nullptr) return false;
@@ -66,8 +67,8 @@ bool DrawnButtons::has(const Window& window, ButtonRole role) const {
 }
 
 void DrawnButtons::passedOn(const std::optional<Window>& window, CGPoint position) {
-  const auto spot = window ? spotOf(*window, position, noScale) : std::nullopt;
-  const auto kind = spot ? kindOf(*window, tracker_.windowManager().name, noScale) : std::nullopt;
+  const auto spot = window ? spotOf(*window, position, scale_) : std::nullopt;
+  const auto kind = spot ? kindOf(*window, tracker_.windowManager().name, scale_) : std::nullopt;
   std::optional<Outcome> outcome;
   {
     const ns::LockGuard guard(lock_);

@@ -22,9 +22,10 @@ class DrawnButtons {
   /// on the tracker's thread, without a lock.
   using EffectHandler = std::function<void(const PassedPress& press, ButtonRole role)>;
 
-  /// References are lent. `connection` is asked questions; its events are left alone. `file` is where what is learned
-  /// lasts, and is read now; empty for nowhere.
-  DrawnButtons(const Connection& connection, const WindowTracker& tracker, std::string file, EffectHandler onEffect);
+  /// References are lent. `connection` is asked questions; its events are left alone. `scale`: how many pixels
+  /// make a point. `file` is where what is learned lasts, and is read now; empty for nowhere.
+  DrawnButtons(const Connection& connection, const WindowTracker& tracker, double scale, std::string file,
+               EffectHandler onEffect);
   DrawnButtons(const DrawnButtons&) = delete;
   DrawnButtons& operator=(const DrawnButtons&) = delete;
 
@@ -48,6 +49,7 @@ class DrawnButtons {
 
   const Connection& connection_;
   const WindowTracker& tracker_;
+  const int scale_;
   const std::string file_;
   const IdleTime idleTime_;
   const EffectHandler onEffect_;

@@ -1,0 +1,14 @@
+// The settings that a desktop announces to every toolkit, as its settings manager writes them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace x11 {
+
+/// The number of that name in the contents of a _XSETTINGS_SETTINGS property. None when there is no such number, and
+/// where the contents end too early or hold what nobody knows.
+std::optional<std::int32_t> xsettingsNumber(std::string_view contents, std::string_view name);
+
+}  // namespace x11
