@@ -110,9 +110,27 @@ int diagnose() {
   return reason ? fail(*reason) : 0;
 }
 
+/// Leaves out what desktops, session managers and debuggers add to the command line of any program that they start: it
+/// is for the toolkit, and no reason not to run.
+std::vector<std::string> withoutForeign(std::span<const std::string> arguments) {
+  std::vector<std::string> own;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    if (argument.starts_with("-psn_")) continue;
+    const bool isSetting = argument.starts_with("-NS") || argument.starts_with("-Apple") || argument == "-session";
+    if (!isSetting) {
+      own.push_back(argument);
+    } else if (i + 1 < arguments.size() && !arguments[i + 1].starts_with('-')) {
+      ++i;  // its value
+    }
+  }
+  return own;
+}
+
 }  // namespace
 
-CommandLine parseCommandLine(std::span<const std::string> arguments) {
+CommandLine parseCommandLine(std::span<const std::string> given) {
+  const std::vector<std::string> arguments = withoutForeign(given);
   const auto invalid = [](std::string message) { return CommandLine{Command::Invalid, std::move(message)}; };
   if (arguments.empty()) return {};
   const std::string& command = arguments[0];

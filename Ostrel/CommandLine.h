@@ -15,8 +15,8 @@ struct CommandLine {
   friend bool operator==(const CommandLine&, const CommandLine&) = default;
 };
 
-/// `arguments` without the program's name.
-CommandLine parseCommandLine(std::span<const std::string> arguments);
+/// `given` is without the program's name. Arguments that desktops add for their toolkits are ignored.
+CommandLine parseCommandLine(std::span<const std::string> given);
 
 /// Carries out what the command line asks. The exit status (0, 1 for what failed or is missing, 2 for a command line
 /// that makes no sense), or none when the application is to run in this process: for Run, and for Settings when there

@@ -42,6 +42,15 @@ TEST(CommandLineParsingTest, TakesOnlyWholeCommands) {
   }
 }
 
+TEST(CommandLineParsingTest, LeavesTheToolkitsArgumentsAlone) {
+  const std::vector<std::string> settings{"-AppleLanguages", "(de)", "settings", "-psn_0_1234",
+                                          "-session",        "1a_2", "about"};
+  EXPECT_EQ(parseCommandLine(settings), (CommandLine{Command::Settings, "about"}));
+  EXPECT_EQ(commandOf({"-NSDocumentRevisionsDebugMode", "YES"}), Command::Run);
+  EXPECT_EQ(commandOf({"-NSQuitAlwaysKeepsWindows", "-ApplePersistence", "NO", "doctor"}), Command::Doctor);
+  EXPECT_EQ(commandOf({"-n", "settings"}), Command::Invalid);
+}
+
 TEST(JSONTextTest, IsReadBackByAnyReader) {
   std::string everyByte;
   for (int c = 1; c < 0x80; ++c) everyByte += static_cast<char>(c);
