@@ -53,12 +53,18 @@ class AppDelegate : public std::enable_shared_from_this<AppDelegate>,
   void openAccessibilitySettings();
 
  private:
+  struct StatusLook;
+  static const StatusLook granted;
+  static const StatusLook missing;
+
   void tick();
   void showSettings(const std::string& tab);
   void preferencesWereRefused(const std::string& reason);
 
   std::optional<std::string> tabAtLaunch_;
   std::shared_ptr<ns::StatusItem> statusItem_;
+  /// None before the first.
+  const StatusLook* shownLook_ = nullptr;
   std::shared_ptr<OstrelController> controller_;
   std::shared_ptr<SettingsWindowController> settingsController_;
   std::shared_ptr<ns::Timer> permissionTimer_;

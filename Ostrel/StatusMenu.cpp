@@ -5,19 +5,17 @@
 #include "platform/Bundle.h"
 
 namespace ostrel {
-namespace {
 
-struct StatusLook {
+struct AppDelegate::StatusLook {
   const char* symbolName;
   /// Shown when the system has no such symbol.
   const char* title;
   const char* toolTip;
 };
 
-constexpr StatusLook granted{"rectangle.center.inset.filled", "Os", "Ostrel"};
-constexpr StatusLook missing{"exclamationmark.triangle.fill", "⚠", "Ostrel — Accessibility access needed"};
-
-}  // namespace
+const AppDelegate::StatusLook AppDelegate::granted{"rectangle.center.inset.filled", "Os", "Ostrel"};
+const AppDelegate::StatusLook AppDelegate::missing{"exclamationmark.triangle.fill", "⚠",
+                                                   "Ostrel — Accessibility access needed"};
 
 void AppDelegate::setupStatusItem() {
   statusItem_ = ns::StatusBar::statusItemWithVariableLength();
@@ -32,6 +30,8 @@ void AppDelegate::updateStatusItemAppearance() {
   ns::StatusBarButton* const button = statusItem_ ? statusItem_->button() : nullptr;
   if (button == nullptr) return;
   const StatusLook& look = AXIsProcessTrusted() ? granted : missing;
+  if (shownLook_ == &look) return;  // asked every two seconds, for as long as the program runs
+  shownLook_ = &look;
   const auto image = ns::Image::imageWithSystemSymbolName(look.symbolName, "Ostrel");
   if (image) image->setTemplate(true);
   button->setImage(image);
@@ -58,8 +58,9 @@ void AppDelegate::menuNeedsUpdate(ns::Menu& menu) {
   }
   add("About (" + versionString() + ")", "info.circle")->setTarget(weak_from_this(), &AppDelegate::openAbout);
   add("Settings", "gearshape", ",")->setTarget(weak_from_this(), &AppDelegate::openSettings);
-  add("Check for Updates…", "arrow.triangle.2.circlepath")
-      ->setTarget(std::weak_ptr(updaterController_), &spu::StandardUpdaterController::checkForUpdates);
+  const auto updates = add("Check for Updates…", "arrow.triangle.2.circlepath");
+  updates->setTarget(std::weak_ptr(updaterController_), &spu::StandardUpdaterController::checkForUpdates);
+  updates->setEnabled(updaterController_ && updaterController_->canCheckForUpdates());
   menu.addItem(ns::MenuItem::separatorItem());
   add("Quit Ostrel", "power", "q")
       ->setTarget(std::weak_ptr(ns::Application::sharedApplication()), &ns::Application::terminate);

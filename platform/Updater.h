@@ -34,6 +34,8 @@ class StandardUpdaterController {
                                                          std::weak_ptr<StandardUserDriverDelegate> userDriverDelegate);
   virtual ~StandardUpdaterController() = default;
   virtual void checkForUpdates() = 0;
+  /// False while there is no use in asking, as in the middle of an update.
+  virtual bool canCheckForUpdates() const { return true; }
 };
 
 }  // namespace spu

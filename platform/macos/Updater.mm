@@ -6,7 +6,11 @@
 
 // The part of the update framework's controller that is used. The framework is looked up at run time, so that Ostrel
 // builds and runs without it.
+@protocol OstrelUpdater
+@property(readonly) BOOL canCheckForUpdates;
+@end
 @protocol OstrelStandardUpdaterController
+@property(readonly) id<OstrelUpdater> updater;
 - (instancetype)initWithStartingUpdater:(BOOL)startUpdater
                         updaterDelegate:(id)updaterDelegate
                      userDriverDelegate:(id)userDriverDelegate;
@@ -74,6 +78,7 @@ class FrameworkUpdaterController final : public StandardUpdaterController {
              userDriverDelegate:userDriverDelegate_];
   }
   void checkForUpdates() override { [controller_ checkForUpdates:nil]; }
+  bool canCheckForUpdates() const override { return controller_.updater.canCheckForUpdates; }
 
  private:
   OstrelUserDriverDelegate* userDriverDelegate_;

@@ -58,7 +58,9 @@ class StatusItem final : public ns::StatusItem, private ns::StatusBarButton {
 class Updater final : public spu::StandardUpdaterController {
  public:
   void checkForUpdates() override { ++checks; }
+  bool canCheckForUpdates() const override { return canCheck; }
 
+  bool canCheck = true;
   int checks = 0;
   bool isStarted = false;
   std::weak_ptr<spu::StandardUserDriverDelegate> delegate;

@@ -147,6 +147,8 @@ TEST_F(DelegateTest, MenuIsBuiltAnewAtEveryOpening) {
   }
   services.mainBundleInfo.clear();
   EXPECT_EQ(titles().front(), "About (v?)");
+  services.updater->canCheck = false;
+  EXPECT_EQ(titles()[2], "(Check for Updates…)");
 }
 
 TEST_F(DelegateTest, MenuActionsReachTheirTargets) {
@@ -221,6 +223,12 @@ TEST_F(DelegateTest, StartsOpenTheTabTheyName) {
   EXPECT_EQ(delegate->settingsWindow().selectedTab(), ostrel::Tab::Exclude);
   delegate->answer("settings");
   EXPECT_EQ(delegate->settingsWindow().selectedTab(), ostrel::Tab::Exclude);
+}
+
+TEST_F(DelegateTest, AStartByWayOfTheDesktopOpensTheSettings) {
+  delegate->applicationDidFinishLaunching();
+  delegate->answer("");
+  EXPECT_TRUE(delegate->settingsWindow().window()->isVisible());
 }
 
 }  // namespace
