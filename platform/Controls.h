@@ -104,6 +104,7 @@ class Switch : public Control {
   bool isOn() const;
 };
 
+/// Counts between its ends; a step beyond one leads to the other.
 class Stepper : public Control {
  public:
   Stepper(double minimum, double maximum, double increment);

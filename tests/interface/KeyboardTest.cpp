@@ -131,10 +131,14 @@ TEST_F(KeyboardTest, SpaceAndArrowsDoWhatTheMouseDoes) {
   EXPECT_FALSE(toggle->isOn());
   key(Qt::Key_Tab);
   key(Qt::Key_Tab);
-  for (int i = 0; i < 3; ++i) key(Qt::Key_Up);
-  EXPECT_EQ(stepper->doubleValue(), 2);
-  key(Qt::Key_Down);
-  EXPECT_EQ(stepper->doubleValue(), 1);
+  for (const double value : {1, 2, 0}) {
+    key(Qt::Key_Up);
+    EXPECT_EQ(stepper->doubleValue(), value);
+  }
+  for (const double value : {2, 1}) {
+    key(Qt::Key_Down);
+    EXPECT_EQ(stepper->doubleValue(), value);
+  }
 }
 
 TEST_F(KeyboardTest, ControlMayRemoveItselfInItsOwnAction) {

@@ -43,12 +43,9 @@ struct StepperNative final : qt::ControlNative {
       qt::paintBezel(painter, bounds, cornerRadius, true);
       painter.restore();
     }
-    const auto tint = [this](double limit) {
-      return value == limit ? qt::color(Color::labelColor().colorWithAlphaComponent(0.3))
-                            : qt::color(qt::ControlColor::Glyph);
-    };
-    qt::paintChevron(painter, {bounds.center().x(), middle - 5}, 6.5, true, tint(maximum));
-    qt::paintChevron(painter, {bounds.center().x(), middle + 5}, 6.5, false, tint(minimum));
+    const auto tint = qt::color(qt::ControlColor::Glyph);
+    qt::paintChevron(painter, {bounds.center().x(), middle - 5}, 6.5, true, tint);
+    qt::paintChevron(painter, {bounds.center().x(), middle + 5}, 6.5, false, tint);
   }
 
   bool mousePressed(QPointF point) override {
@@ -70,7 +67,8 @@ struct StepperNative final : qt::ControlNative {
   }
 
   void stepBy(int steps) {
-    set(value + steps * increment);
+    const double next = value + steps * increment;
+    set(next > maximum ? minimum : next < minimum ? maximum : next);
     send();
   }
   void press() override { stepBy(1); }
