@@ -75,6 +75,51 @@ TEST_P(ButtonWindows, OnlyTitleBarsAreWorthAQuestion) {
 
 INSTANTIATE_TEST_SUITE_P(, ButtonWindows, testing::Values("openbox", "xfwm4", "fluxbox", "icewm"));
 
+class Tabs : public ButtonWindows {};
+
+TEST_P(Tabs, TheVisibleOneCounts) {
+  auto terminal = std::make_unique<support::ChildProcess>(std::vector<std::string>{"xterm", "-class", "tabbed"});
+  const pid_t pid = terminal->pid();
+  ASSERT_TRUE(desk.waitFor([&] {
+    const auto windows = desk.tracker().windowsOfProcess(pid);
+    return !windows.empty() && windows[0].frame != windows[0].client && desk.isOnScreen(windows[0].client);
+  }));
+  const xcb_window_t first = desk.tracker().windowsOfProcess(pid)[0].client;
+  ManagedWindow window(300, 200, 400, 300);
+  window.setClass("tabbed");
+  window.map();
+  const xcb_window_t second = window.window();
+  ASSERT_TRUE(desk.waitFor([&] { return desk.tracker().window(second) && desk.isOnScreen(second); }));
+  ASSERT_EQ(desk.windowOf(first).frame, desk.windowOf(second).frame);
+
+  for (const xcb_window_t visible : {second, first, second, first}) {
+    desk.set(visible, "AXMinimized", false);
+    const CGPoint zoom = button(visible, ButtonRole::Zoom);
+    desktop::Element element;
+    ASSERT_EQ(desk.elements().atPosition(zoom, element), kAXErrorSuccess);
+    pid_t owner = 0;
+    EXPECT_EQ(desk.elements().processIdentifier(element, owner), kAXErrorSuccess);
+    EXPECT_EQ(owner, visible == first ? pid : getpid());
+  }
+
+  // What is behind becomes visible when the other one goes.
+  terminal.reset();
+  ASSERT_TRUE(desk.waitFor([&] { return !desk.tracker().window(first); }));
+  desk.set(second, "AXPosition", CGPointMake(100, 150));
+  desk.set(second, "AXSize", CGSizeMake(600, 500));
+  EXPECT_TRUE(desk.waitFor([&] {
+    const auto frame = desk.connection().reply(xcb_get_geometry_reply,
+                                               xcb_get_geometry(desk.connection().get(), desk.windowOf(second).frame));
+    const int borders = frame ? 2 * frame->border_width : 0;
+    return frame && frame->x == 100 && frame->y == 150 && frame->width + borders == 600 &&
+           frame->height + borders == 500;
+  }));
+  click(button(second, ButtonRole::Minimize));
+  EXPECT_TRUE(desk.waitFor([&] { return desk.windowOf(second).properties.isIconic(); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(, Tabs, testing::Values("fluxbox", "icewm"));
+
 TEST(FluxboxTitleButtons, FollowTheConfiguration) {
   const auto minimize = std::optional(ButtonRole::Minimize);
   const auto zoom = std::optional(ButtonRole::Zoom);

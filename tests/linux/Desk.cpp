@@ -1,6 +1,7 @@
 #include "tests/linux/Desk.h"
 
 #include <cmath>
+#include <fstream>
 #include <stdexcept>
 
 namespace support {
@@ -47,10 +48,14 @@ bool ManagedWindow::isAskedToClose() {
 }
 
 Desk::Desk(const std::string& windowManager) : connection_(x11::Connection::open()), atoms_(*connection_) {
-  // Nobody's settings but the programs' own defaults.
+  // Nobody's settings but the programs' own defaults, and tabs for those who ask for them by their class.
   std::string folder = (std::filesystem::temp_directory_path() / "ostrel-desk-XXXXXX").string();
   if (mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
   home_ = folder;
+  std::filesystem::create_directories(home_ / ".fluxbox");
+  std::ofstream(home_ / ".fluxbox" / "apps") << "[group] (workspace)\n [app] (class=tabbed)\n[end]\n";
+  std::filesystem::create_directories(home_ / ".icewm");
+  std::ofstream(home_ / ".icewm" / "winoptions") << "tabbed.frame: together\n";
   setenv("HOME", folder.c_str(), 1);
   unsetenv("XDG_CONFIG_HOME");
 

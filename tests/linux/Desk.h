@@ -29,7 +29,8 @@ class ManagedWindow {
   x11::Connection& connection() { return *connection_; }
   xcb_window_t window() const { return window_; }
   void setProperty(const char* name, xcb_atom_t type, const std::vector<std::uint32_t>& items);
-  /// WM_CLASS, with the same text for both of its parts.
+  /// WM_CLASS, with the same text for both of its parts. Those of the class "tabbed" share a frame where the window
+  /// manager has tabs.
   void setClass(const std::string& name);
   void map();
   /// Whether the window manager has asked it to close since the last time.

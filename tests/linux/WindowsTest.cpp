@@ -320,6 +320,41 @@ TEST(WindowTable, FindsTheFrameOfAWindowThatIsHandedFromOneToAnother) {
   EXPECT_EQ(lost, 0);
 }
 
+TEST(WindowTable, KnowsTheVisibleOneOfSeveralClientsInAFrame) {
+  Desk desk("openbox");
+  desk.stopWindowManager();
+  ManagedWindow frame(100, 100, 400, 300);
+  ManagedWindow below(0, 0, 400, 280);
+  ManagedWindow above(0, 0, 400, 280);
+  auto& connection = desk.connection();
+  for (ManagedWindow* client : {&below, &above}) {
+    xcb_reparent_window(connection.get(), client->window(), frame.window(), 0, 20);
+    xcb_map_window(connection.get(), client->window());
+  }
+  xcb_map_window(connection.get(), frame.window());
+  const xcb_window_t clients[] = {below.window(), above.window()};
+  xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, connection.root(), connection.atom("_NET_CLIENT_LIST"),
+                      XCB_ATOM_WINDOW, 32, 2, clients);
+  connection.flush();
+  const auto isVisible = [&](const ManagedWindow& client) {
+    return desk.waitFor([&] {
+      const auto window = desk.tracker().windowOfFrame(frame.window());
+      return window && window->client == client.window();
+    });
+  };
+  EXPECT_TRUE(isVisible(above));
+  xcb_unmap_window(connection.get(), above.window());
+  connection.flush();
+  EXPECT_TRUE(isVisible(below));
+  xcb_map_window(connection.get(), above.window());
+  connection.flush();
+  EXPECT_TRUE(isVisible(above));
+  const std::uint32_t mode = XCB_STACK_MODE_ABOVE;
+  xcb_configure_window(connection.get(), below.window(), XCB_CONFIG_WINDOW_STACK_MODE, &mode);
+  connection.flush();
+  EXPECT_TRUE(isVisible(below));
+}
+
 TEST(WindowTable, TellsOfTheServersEnd) {
   auto session = std::make_unique<support::XvfbSession>();
   std::atomic<bool> lost = false;

@@ -3,6 +3,7 @@
 #include <xcb/res.h>
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 #include "platform/linux/x11/Properties.h"
@@ -33,6 +34,20 @@ bool contains(const std::vector<std::uint32_t>& items, std::uint32_t item) {
   return std::find(items.begin(), items.end(), item) != items.end();
 }
 
+/// What the frame window has around the client, invisible borders included.
+Extents extentsInFrame(const Connection& connection, xcb_window_t client, const Rect& size) {
+  const auto frame = rootChildOf(connection, client);
+  if (!frame || *frame == client) return {};
+  const auto offsetCookie = xcb_translate_coordinates(connection.get(), client, *frame, 0, 0);
+  const auto outer = connection.reply(xcb_get_geometry_reply, xcb_get_geometry(connection.get(), *frame));
+  const auto offset = connection.reply(xcb_translate_coordinates_reply, offsetCookie);
+  if (!outer || !offset) return {};
+  const int border = outer->border_width;
+  const auto extent = [border](int inside) { return std::max(border + inside, 0); };
+  return {extent(offset->dst_x), extent(outer->width - offset->dst_x - size.width), extent(offset->dst_y),
+          extent(outer->height - offset->dst_y - size.height)};
+}
+
 std::optional<pid_t> processKnownToServer(const Connection& connection, xcb_window_t window) {
   const xcb_res_client_id_spec_t asked{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
   const auto reply =
@@ -58,6 +73,7 @@ MinimizeButton WindowProperties::minimizeButton() const {
 GeometryRequest::GeometryRequest(const Connection& connection, const Atoms& atoms, xcb_window_t client)
     : connection_(connection),
       atoms_(atoms),
+      client_(client),
       size_(xcb_get_geometry(connection.get(), client)),
       position_(xcb_translate_coordinates(connection.get(), client, connection.root(), 0, 0)),
       decoration_(requestProperty(connection, client, atoms.netFrameExtents)),
@@ -68,13 +84,16 @@ std::optional<WindowGeometry> GeometryRequest::receive() {
   const auto size = connection_.reply(xcb_get_geometry_reply, size_);
   const auto position = connection_.reply(xcb_translate_coordinates_reply, position_);
   WindowGeometry geometry;
-  geometry.decoration = extentsFrom(propertyItems(receiveProperty(connection_, decoration_)));
+  const std::vector<std::uint32_t> decoration = propertyItems(receiveProperty(connection_, decoration_));
   const std::vector<std::uint32_t> shadow = propertyItems(receiveProperty(connection_, shadow_));
   geometry.shadow = extentsFrom(shadow);
   geometry.drawsShadow = !shadow.empty();
   const std::vector<std::uint32_t> states = propertyItems(receiveProperty(connection_, state_));
   if (!size || !position) return std::nullopt;
   geometry.client = {position->dst_x, position->dst_y, size->width, size->height};
+  // Fluxbox tells none of the tabs but the first, even when that has been closed.
+  geometry.decoration =
+      decoration.empty() ? extentsInFrame(connection_, client_, geometry.client) : extentsFrom(decoration);
   geometry.maximizedHorizontally = contains(states, atoms_.netWmStateMaximizedHorz);
   geometry.maximizedVertically = contains(states, atoms_.netWmStateMaximizedVert);
   geometry.fullscreen = contains(states, atoms_.netWmStateFullscreen);
@@ -157,6 +176,26 @@ std::optional<xcb_window_t> rootChildOf(const Connection& connection, xcb_window
       return std::nullopt;
     }
   }
+}
+
+xcb_window_t visibleAmong(const Connection& connection, const std::vector<xcb_window_t>& clients) {
+  std::vector<xcb_window_t> mapped;
+  for (const xcb_window_t client : clients) {
+    const auto attributes =
+        connection.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(connection.get(), client));
+    if (attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE) mapped.push_back(client);
+  }
+  if (mapped.empty()) return clients.front();
+  if (mapped.size() == 1) return mapped.front();
+  const auto own = connection.reply(xcb_query_tree_reply, xcb_query_tree(connection.get(), mapped.front()));
+  const auto tree =
+      own ? connection.reply(xcb_query_tree_reply, xcb_query_tree(connection.get(), own->parent)) : nullptr;
+  if (!tree) return mapped.front();
+  const std::span children(xcb_query_tree_children(tree.get()),
+                           static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
+  // The topmost is the last.
+  const auto top = std::find_first_of(children.rbegin(), children.rend(), mapped.begin(), mapped.end());
+  return top == children.rend() ? mapped.front() : *top;
 }
 
 std::vector<xcb_window_t> stackingOrder(const Connection& connection, const Atoms& atoms) {

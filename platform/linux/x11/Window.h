@@ -91,6 +91,7 @@ class GeometryRequest {
  private:
   const Connection& connection_;
   const Atoms& atoms_;
+  const xcb_window_t client_;
   xcb_get_geometry_cookie_t size_;
   xcb_translate_coordinates_cookie_t position_;
   xcb_get_property_cookie_t decoration_;
@@ -126,6 +127,10 @@ pid_t processOfWindow(const Connection& connection, const Atoms& atoms, xcb_wind
 
 /// The child of the root window that holds `window`, which may be `window` itself; none when it is gone.
 std::optional<xcb_window_t> rootChildOf(const Connection& connection, xcb_window_t window);
+
+/// Of the clients in one frame, of which there is one at least, the one that is to be seen: some window managers unmap
+/// the others, and some stack them below it. Any of them when none is mapped.
+xcb_window_t visibleAmong(const Connection& connection, const std::vector<xcb_window_t>& clients);
 
 /// The managed windows, the bottommost first. Asked for when it is wanted, which is seldom, as it changes at every
 /// click.

@@ -84,6 +84,13 @@ void WindowTracker::handle(const xcb_generic_event_t& event) {
       }
       break;
     }
+    case XCB_MAP_NOTIFY:
+    case XCB_UNMAP_NOTIFY: {
+      // Alike in what both begin with. Some window managers unmap the tabs that are not to be seen.
+      const auto& map = as<xcb_map_notify_event_t>(event);
+      if (map.event == map.window) geometryDirty_.insert(map.window);
+      break;
+    }
     case XCB_REPARENT_NOTIFY: {
       const auto& reparent = as<xcb_reparent_notify_event_t>(event);
       if (reparent.event == reparent.window) frameDirty_.insert(reparent.window);
@@ -149,6 +156,7 @@ void WindowTracker::refreshDirty() {
 
   for (const xcb_window_t client : std::exchange(geometryDirty_, {})) {
     const auto geometry = GeometryRequest(*connection_, atoms_, client).receive();
+    refreshVisible(client);
     Window changed;
     {
       const ns::LockGuard guard(lock_);
@@ -251,6 +259,7 @@ void WindowTracker::add(xcb_window_t client) {
     windows_[client] = window;
     clientOfFrame_[*frame] = client;
   }
+  refreshVisible(client);
   notify(isFollowing_ ? WindowChange::Added : WindowChange::Present, window);
 }
 
@@ -273,7 +282,32 @@ void WindowTracker::remove(xcb_window_t client) {
 void WindowTracker::forgetFrame(const Window& window) {
   const auto frame = clientOfFrame_.find(window.frame);
   // The number may have become another window's already.
-  if (frame != clientOfFrame_.end() && frame->second == window.client) clientOfFrame_.erase(frame);
+  if (frame == clientOfFrame_.end() || frame->second != window.client) return;
+  clientOfFrame_.erase(frame);
+  for (const auto& [client, other] : windows_) {
+    if (client == window.client || other.frame != window.frame) continue;
+    clientOfFrame_[window.frame] = client;
+    geometryDirty_.insert(client);  // whether it or yet another one is visible is seen then
+    break;
+  }
+}
+
+void WindowTracker::refreshVisible(xcb_window_t client) {
+  xcb_window_t frame = XCB_WINDOW_NONE;
+  std::vector<xcb_window_t> clients;
+  {
+    const ns::LockGuard guard(lock_);
+    const auto found = windows_.find(client);
+    if (found == windows_.end()) return;
+    frame = found->second.frame;
+    for (const auto& [other, window] : windows_) {
+      if (window.frame == frame) clients.push_back(other);
+    }
+  }
+  if (clients.size() < 2) return;
+  const xcb_window_t visible = visibleAmong(*connection_, clients);
+  const ns::LockGuard guard(lock_);
+  clientOfFrame_[frame] = visible;
 }
 
 void WindowTracker::markFrameDirty(xcb_window_t rootChild) {

@@ -58,7 +58,7 @@ class WindowTracker {
   void stop();
 
   std::optional<Window> window(xcb_window_t client) const;
-  /// The managed window inside a child of the root window.
+  /// The managed window inside a child of the root window; of several, as tabs in one frame, the visible one.
   std::optional<Window> windowOfFrame(xcb_window_t rootChild) const;
   std::vector<Window> windows() const;
   std::vector<Window> windowsOfProcess(pid_t pid) const;
@@ -78,6 +78,7 @@ class WindowTracker {
   void add(xcb_window_t client);
   void remove(xcb_window_t client);
   void forgetFrame(const Window& window) REQUIRES(lock_);
+  void refreshVisible(xcb_window_t client);
   void markFrameDirty(xcb_window_t rootChild);
   void notify(WindowChange change, const Window& window) const;
 
@@ -104,6 +105,7 @@ class WindowTracker {
 
   mutable ns::Lock lock_;
   std::map<xcb_window_t, Window> windows_ GUARDED_BY(lock_);
+  /// Of several clients in a frame, the visible one.
   std::unordered_map<xcb_window_t, xcb_window_t> clientOfFrame_ GUARDED_BY(lock_);
   RunningWindowManager windowManager_ GUARDED_BY(lock_);
   std::uint32_t currentWorkspace_ GUARDED_BY(lock_) = 0;
