@@ -1,6 +1,7 @@
 // Frames, moves, hiding and window managers that come and go, with real window managers.
 #include <algorithm>
 #include <atomic>
+#include <random>
 #include <set>
 #include <string>
 #include <thread>
@@ -301,14 +302,15 @@ TEST(WindowTable, FindsTheFrameOfAWindowThatIsHandedFromOneToAnother) {
   std::atomic<bool> done = false;
   std::thread framing([&] {
     const auto manager = x11::Connection::open();
+    std::mt19937 random(1);
     for (xcb_window_t frame = XCB_WINDOW_NONE, next; !done; frame = next) {
       next = xcb_generate_id(manager->get());
       xcb_create_window(manager->get(), XCB_COPY_FROM_PARENT, next, manager->root(), 0, 0, 10, 10, 0,
                         XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
       xcb_reparent_window(manager->get(), client.window(), next, 0, 0);
       if (frame != XCB_WINDOW_NONE) xcb_destroy_window(manager->get(), frame);
-      // Not in step with the questions, or it would come between every two of them.
-      for (int turn = 0; turn < 5; ++turn) manager->synchronise();
+      // Never in step with the questions for long, or it would come between every two of them.
+      for (auto turns = 1 + random() % 12; turns > 0; --turns) manager->synchronise();
     }
     xcb_reparent_window(manager->get(), client.window(), manager->root(), 0, 0);
     manager->synchronise();
