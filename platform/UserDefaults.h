@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "platform/PropertyList.h"
 
@@ -27,7 +26,7 @@ class UserDefaults {
   /// `handler` is called on the main thread, with words for the person, after values could not be stored and are again
   /// what they were. Only where a file may refuse: a Mac keeps every value.
   using RefusalHandler = std::function<void(const std::string& reason)>;
-  virtual void setRefusalHandler(RefusalHandler handler) { static_cast<void>(std::move(handler)); }
+  virtual void setRefusalHandler(const RefusalHandler& /*handler*/) {}
 
   /// True for true, a number other than 0, and a text that starts, after white space and a sign and zeros, with Y, y,
   /// T, t or a digit from 1 to 9; false for anything else and for no value.

@@ -18,9 +18,7 @@ class UserDefaults final : public ns::UserDefaults {
 
   std::optional<ns::PropertyList> objectForKey(std::string_view key) const override;
   void setObject(ns::PropertyList value, std::string_view key) override;
-  void setRefusalHandler(std::function<void(const std::string& reason)> handler) override {
-    refused = std::move(handler);
-  }
+  void setRefusalHandler(const RefusalHandler& handler) override { refused = handler; }
 
   /// What the application stores goes here; tests read and write it, as another program would.
   Domain user;

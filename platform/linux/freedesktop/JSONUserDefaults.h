@@ -28,9 +28,7 @@ class JSONUserDefaults : public ns::UserDefaults {
 
   std::optional<ns::PropertyList> objectForKey(std::string_view key) const override;
   void setObject(ns::PropertyList value, std::string_view key) override;
-  void setRefusalHandler(std::function<void(const std::string& reason)> handler) override {
-    writer_->setRefusalHandler(std::move(handler));
-  }
+  void setRefusalHandler(const RefusalHandler& handler) override { writer_->setRefusalHandler(handler); }
   /// Returns when every change is in the file or refused. Any thread.
   void flush() { writer_->flush(); }
 
