@@ -9,7 +9,7 @@ namespace ns {
 class AutoreleasePool {
  public:
   AutoreleasePool();
-  ~AutoreleasePool();
+  ~AutoreleasePool();  // NOLINT(performance-trivially-destructible): only where there is nothing to release
   AutoreleasePool(const AutoreleasePool&) = delete;
   AutoreleasePool& operator=(const AutoreleasePool&) = delete;
 
