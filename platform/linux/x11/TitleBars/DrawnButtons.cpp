@@ -43,6 +43,8 @@ DrawnButtons::DrawnButtons(const Connection& connection, const WindowTracker& tr
       onEffect_(std::move(onEffect)),
       book_(read(file_)) {}
 
+DrawnButtons::~DrawnButtons() { store(); }
+
 std::optional<ButtonRole> DrawnButtons::roleAt(const Window& window, CGPoint position) const {
   const auto spot = spotOf(window, position, scale_);
   if (!spot) return std::nullopt;
@@ -88,6 +90,7 @@ void DrawnButtons::handleEvent(const xcb_generic_event_t& event) {
 }
 
 void DrawnButtons::changed(WindowChange change, const Window& window) {
+  store();  // of the last press, which could not wait for it
   const auto now = change == WindowChange::Removed ? std::nullopt : std::optional(window);
   {
     const ns::LockGuard guard(lock_);
@@ -104,15 +107,21 @@ void DrawnButtons::changed(WindowChange change, const Window& window) {
   if (!outcome) return;
   learn(*outcome);
   if (outcome->role != ButtonRole::Close) onEffect_(outcome->press, *outcome->role);
+  store();
 }
 
 void DrawnButtons::learn(const Outcome& outcome) {
+  const ns::LockGuard guard(lock_);
+  const bool hasChanged = book_.add(outcome.press.kind, {outcome.role, outcome.press.spot});
+  // A press that did nothing and changed nothing is no news: most clicks in title bars are.
+  hasNews_ = hasNews_ || outcome.role || hasChanged;
+}
+
+void DrawnButtons::store() {
   std::string text;
   {
     const ns::LockGuard guard(lock_);
-    const bool hasChanged = book_.add(outcome.press.kind, {outcome.role, outcome.press.spot});
-    // A press that did nothing and was no news: most clicks in title bars are.
-    if (file_.empty() || (!outcome.role && !hasChanged)) return;
+    if (!std::exchange(hasNews_, false) || file_.empty()) return;
     text = book_.text();
   }
   if (const int error = freedesktop::replaceFile(file_, text)) {

@@ -26,6 +26,8 @@ class DrawnButtons {
   /// make a point. `file` is where what is learned lasts, and is read now; empty for nowhere.
   DrawnButtons(const Connection& connection, const WindowTracker& tracker, double scale, std::string file,
                EffectHandler onEffect);
+  /// Stores what is not stored yet.
+  ~DrawnButtons();
   DrawnButtons(const DrawnButtons&) = delete;
   DrawnButtons& operator=(const DrawnButtons&) = delete;
 
@@ -45,6 +47,8 @@ class DrawnButtons {
 
  private:
   void learn(const Outcome& outcome);
+  /// Waits for the disk, so never while a press waits for its answer.
+  void store();
   std::optional<Hands> lookAtHands() const;
 
   const Connection& connection_;
@@ -57,6 +61,7 @@ class DrawnButtons {
   std::uint64_t presses_ GUARDED_BY(lock_) = 0;
   PressWatch watch_ GUARDED_BY(lock_);
   ButtonBook book_ GUARDED_BY(lock_);
+  bool hasNews_ GUARDED_BY(lock_) = false;
 };
 
 }  // namespace x11
