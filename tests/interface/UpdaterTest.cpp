@@ -1,6 +1,7 @@
 // Looks at update feeds: good, damaged and hostile ones.
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
@@ -173,6 +174,19 @@ TEST_F(UpdaterTest, LooksAgainEachTimeItIsAskedAndKeepsQuietAfterwards) {
   write(newer);
   EXPECT_TRUE(said().contains("1.6"));
   EXPECT_EQ(journal->lines.last(), "will show 1.6 1 0");
+}
+
+TEST_F(UpdaterTest, LeavesNothingOfAReplacedWindowToAssistiveTechnology) {
+  const auto updater = make(write(newer));
+  updater->checkForUpdates();
+  EXPECT_TRUE(said().contains("1.6"));
+  const auto seen = QAccessible::uniqueId(QAccessible::queryAccessibleInterface(window()));
+  EXPECT_NE(QAccessible::accessibleInterface(seen), nullptr);
+  const QPointer<qt::MessageDialog> replaced = window();
+  updater->checkForUpdates();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !replaced; }));
+  // Whatever comes to lie at the same address would be taken for it.
+  EXPECT_EQ(QAccessible::accessibleInterface(seen), nullptr);
 }
 
 TEST_F(UpdaterTest, LooksByItselfWhenItIsTimeAndThenOnlyTellsOfNews) {

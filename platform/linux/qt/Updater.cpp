@@ -40,10 +40,7 @@ Updater::Updater(UpdaterConfiguration configuration, bool isStarted,
   if (isStarted) scheduleNext();
 }
 
-Updater::~Updater() {
-  if (window_) window_->disconnect();
-  delete window_;
-}
+Updater::~Updater() { delete window_; }
 
 void Updater::scheduleNext() {
   if (configuration_.feed.isEmpty() || configuration_.interval.count() <= 0) return;
@@ -135,7 +132,8 @@ void Updater::offer(const FeedItem& item) {
 
 void Updater::tell(const MessageContent& content, std::function<void(std::size_t)> chosen) {
   if (window_) {
-    window_->disconnect();  // what it would do on its end is settled
+    // What it would do on its end is settled. No other signal: the toolkit's accessibility listens to its destruction.
+    QObject::disconnect(window_, &QDialog::finished, nullptr, nullptr);
     window_->close();
   }
   window_ = new MessageDialog(content);
