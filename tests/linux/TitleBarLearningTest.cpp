@@ -163,6 +163,11 @@ class PressWatchTest : public testing::Test {
     const CGPoint position{516, 16};
     return {window, *kindOf(window, "Openbox", 100), *spotOf(window, position, 100), position, 5, start + after};
   }
+  /// Of a new watch: a second one in the same place would be half of a double click.
+  void firstPress() {
+    watch = PressWatch();
+    EXPECT_FALSE(watch.pressed(press()));
+  }
   /// The person has clicked and holds still, as it looks 300 ms after the press.
   Hands still() const {
     return {{517, 16}, false, milliseconds(220), milliseconds(5000), 5, start + milliseconds(300)};
@@ -191,7 +196,7 @@ TEST_F(PressWatchTest, TellsTheThreeEffects) {
   };
   for (const auto& [now, role] : {Case{iconic(), ButtonRole::Minimize}, Case{maximized(), ButtonRole::Zoom},
                                   Case{std::nullopt, ButtonRole::Close}}) {
-    watch.pressed(press());
+    firstPress();
     // A step on the way there is no effect, and does not end the watch.
     EXPECT_FALSE(watch.changed(window.client, window, still()));
     const auto outcome = watch.changed(window.client, now, still());
@@ -210,24 +215,25 @@ TEST_F(PressWatchTest, LearnsNothingFromWhatThePressNeedNotHaveCaused) {
   for (const auto& [what, change] :
        {Case{"a drag", [](Hands& hands) { hands.pointer.x += 9; }},
         Case{"the button is still down", [](Hands& hands) { hands.anyButtonDown = true; }},
-        Case{"a key at the same moment", [](Hands& hands) { hands.keyboardIdle = milliseconds(150); }},
+        Case{"a key just after", [](Hands& hands) { hands.keyboardIdle = milliseconds(150); }},
+        Case{"a key at the same moment", [](Hands& hands) { hands.keyboardIdle = milliseconds(302); }},
         Case{"another press since, in a menu", [](Hands& hands) { hands.presses = 6; }},
         Case{"too late after the release", [](Hands& hands) { hands.pointerIdle = milliseconds(1001); }},
         Case{"a long press", [](Hands& hands) { hands.time += milliseconds(2000); }}}) {
-    watch.pressed(press());
+    firstPress();
     Hands hands = still();
     change(hands);
     EXPECT_FALSE(watch.changed(window.client, iconic(), hands)) << what;
     EXPECT_FALSE(watch.isEffect(window.client, iconic())) << what;
   }
-  watch.pressed(press());
+  firstPress();
   EXPECT_FALSE(watch.changed(window.client + 1, iconic(), still())) << "another window";
   watch.giveUp();
   EXPECT_FALSE(watch.changed(window.client, iconic(), still())) << "a press elsewhere, a menu";
-  watch.pressed(press());
+  firstPress();
   watch.windowAppeared(window.pid);
   EXPECT_FALSE(watch.changed(window.client, std::nullopt, still())) << "a question came up";
-  watch.pressed(press());
+  firstPress();
   Window fullScreen = maximized();
   fullScreen.geometry.fullscreen = true;
   EXPECT_FALSE(watch.changed(window.client, fullScreen, still())) << "full screen";
@@ -237,6 +243,11 @@ TEST_F(PressWatchTest, DoubleClicksAreNeitherButtonsNorIdle) {
   watch.pressed(press());
   EXPECT_FALSE(watch.pressed(press(milliseconds(200))));
   EXPECT_FALSE(watch.changed(window.client, maximized(), still()));
+  // Nor when a tooltip or a menu came up between the two.
+  watch.pressed(press(milliseconds(5000)));
+  watch.giveUp();
+  watch.pressed(press(milliseconds(5200)));
+  EXPECT_FALSE(watch.isEffect(window.client, maximized()));
 }
 
 TEST_F(PressWatchTest, APressThatDidNothingIsToldOfWhenTheNextOneComes) {

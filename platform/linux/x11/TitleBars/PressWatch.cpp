@@ -15,6 +15,9 @@ constexpr auto longestClick = milliseconds(1000);
 /// As toolkits have it: a second press that soon and near is half of a double click.
 constexpr auto doubleClickTime = milliseconds(500);
 constexpr double doubleClickDistance = 8;
+/// A key that went down or up that shortly before the press may be what the window obeys. Also, the press has been on
+/// its way for a moment when its time is taken, and the server counts whole milliseconds.
+constexpr auto keyboardQuiet = milliseconds(250);
 /// A hand at rest trembles.
 constexpr double stillness = 3;
 
@@ -36,16 +39,16 @@ std::optional<ButtonRole> effectOf(const Window& before, const std::optional<Win
 }  // namespace
 
 std::optional<Outcome> PressWatch::pressed(PassedPress press) {
-  auto before = std::exchange(press_, std::move(press));
-  if (!before) return std::nullopt;
-  const auto between = press_->time - before->time;
-  if (before->window.client == press_->window.client && between < doubleClickTime &&
-      areNear(before->position, press_->position, doubleClickDistance)) {
-    press_.reset();
+  const Place place{press.window.client, press.position, press.time};
+  const auto last = std::exchange(last_, place);
+  const auto before = std::exchange(press_, std::nullopt);
+  if (last && last->client == place.client && place.time - last->time < doubleClickTime &&
+      areNear(last->position, place.position, doubleClickDistance)) {
     return std::nullopt;
   }
-  if (between <= longestClick + untilEffect) return std::nullopt;
-  return Outcome{*std::move(before), std::nullopt};
+  press_ = std::move(press);
+  if (!before || press_->time - before->time <= longestClick + untilEffect) return std::nullopt;
+  return Outcome{*before, std::nullopt};
 }
 
 void PressWatch::windowAppeared(pid_t pid) {
@@ -64,7 +67,7 @@ std::optional<Outcome> PressWatch::changed(xcb_window_t client, const std::optio
   const bool isOnlyPress = hands.presses == press.number;
   const bool isClick = !hands.anyButtonDown && areNear(hands.pointer, press.position, stillness);
   const bool isSoon = hands.pointerIdle <= untilEffect && sincePress <= longestClick + untilEffect;
-  const bool isByMouse = hands.keyboardIdle > sincePress;
+  const bool isByMouse = hands.keyboardIdle > sincePress + keyboardQuiet;
   if (!isOnlyPress || !isClick || !isSoon || !isByMouse) return std::nullopt;
   return Outcome{press, role};
 }

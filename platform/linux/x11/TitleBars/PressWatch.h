@@ -55,7 +55,15 @@ class PressWatch {
   std::optional<Outcome> changed(xcb_window_t client, const std::optional<Window>& now, const Hands& hands);
 
  private:
+  struct Place {
+    xcb_window_t client;
+    CGPoint position;
+    std::chrono::steady_clock::time_point time;
+  };
+
   std::optional<PassedPress> press_;
+  /// Where the last press was, whether it is still watched or not: the next one may be half of a double click with it.
+  std::optional<Place> last_;
 };
 
 }  // namespace x11
