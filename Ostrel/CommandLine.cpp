@@ -25,6 +25,8 @@ Without a command Ostrel starts; if it runs already, its settings open.
   settings [general|displays|exclude|about]   open the settings
   accessibility grant|revoke|status           allow Ostrel to handle clicks, or not
   displays                                    the displays and their margins, as JSON
+  buttons                                     what is known of each window's buttons, and where from
+  buttons forget [NAME]                       forget what clicks taught about NAME's title bars, or all
   doctor                                      what Ostrel sees of this desktop
   --version                                   the version
   --help                                      this text
@@ -81,6 +83,45 @@ std::string withoutControls(std::string_view text) {
   return ns::utf8(scalars);
 }
 
+void print(const std::vector<ns::DiagnosticLine>& lines) {
+  for (const auto& [title, value] : lines)
+    std::cout << std::left << std::setw(20) << withoutControls(title) << withoutControls(value) << '\n';
+}
+
+int failOfAnotherVersion() { return fail("the Ostrel that is running is of another version; start it anew"); }
+
+int showButtons() {
+  const ns::InstanceReply reply = ns::askRunningInstance(buttonsRequest);
+  switch (reply.status) {
+    case ns::InstanceReply::Status::NotRunning:
+      return fail("Ostrel is not running, so nobody knows the windows' buttons");
+    case ns::InstanceReply::Status::Silent:
+      return fail("Ostrel is running, but it does not answer");
+    case ns::InstanceReply::Status::Answered:
+      break;
+  }
+  if (reply.text == unknownRequest) return failOfAnotherVersion();
+  print(answeredLines(reply.text));
+  return 0;
+}
+
+/// The running instance forgets, or this process on its behalf: what was learned lies on the disk.
+int forgetButtons(const std::string& painter) {
+  const ns::InstanceReply reply = ns::askRunningInstance(forgetRequest(painter));
+  std::string count = reply.text;
+  if (reply.status == ns::InstanceReply::Status::Silent) return fail("Ostrel is running, but it does not answer");
+  if (reply.status == ns::InstanceReply::Status::NotRunning) {
+    if (const auto reason = ns::desktopUnavailableReason()) return fail(*reason);
+    const auto forgotten = ns::forgetTitleBarButtons(painter);
+    count = forgotten ? std::to_string(*forgotten) : "";
+  }
+  if (count == unknownRequest) return failOfAnotherVersion();
+  if (count.empty()) return fail("nothing has to be learned on this system");
+  if (count == "0" && !painter.empty()) return fail("nothing was learned about title bars of \"" + painter + "\"");
+  std::cout << "Forgotten: " << count << (count == "1" ? " kind" : " kinds") << " of title bars.\n";
+  return 0;
+}
+
 int diagnose() {
   std::vector<ns::DiagnosticLine> lines = ns::desktopDiagnostics();
   const auto append = [&](const std::vector<ns::DiagnosticLine>& more) {
@@ -97,7 +138,7 @@ int diagnose() {
       break;
     case ns::InstanceReply::Status::Answered:
       append({{"Ostrel", "running"}});
-      append(statusLines(reply.text));
+      append(answeredLines(reply.text));
       break;
   }
   const auto reason = ns::desktopUnavailableReason();
@@ -105,8 +146,7 @@ int diagnose() {
     append(displayLines());
   }
   std::cout << versionText() << "\n\n";
-  for (const auto& [title, value] : lines)
-    std::cout << std::left << std::setw(20) << title << withoutControls(value) << '\n';
+  print(lines);
   return reason ? fail(*reason) : 0;
 }
 
@@ -145,6 +185,14 @@ CommandLine parseCommandLine(std::span<const std::string> given) {
     result.command = Command::Displays;
   } else if (command == "doctor") {
     result.command = Command::Doctor;
+  } else if (command == "buttons") {
+    result.command = arguments.size() > 1 ? Command::ForgetButtons : Command::Buttons;
+    if (arguments.size() > 1 && argument != "forget") return invalid("buttons takes forget, or nothing");
+    if (arguments.size() > 2) {
+      if (arguments[2].empty()) return invalid("buttons forget takes a name, or nothing for all");
+      result.argument = arguments[2];
+    }
+    expected = 3;
   } else if (command == "settings") {
     if (arguments.size() > 1 && !isTabName(argument)) return invalid("there is no settings tab \"" + argument + "\"");
     result = {Command::Settings, argument};
@@ -193,6 +241,10 @@ std::optional<int> perform(const CommandLine& commandLine) {
       return showConsent();
     case Command::Displays:
       return showDisplays();
+    case Command::Buttons:
+      return showButtons();
+    case Command::ForgetButtons:
+      return forgetButtons(commandLine.argument);
     case Command::Doctor:
       return diagnose();
     case Command::Version:

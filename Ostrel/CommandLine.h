@@ -8,9 +8,22 @@
 namespace ostrel {
 
 struct CommandLine {
-  enum class Command { Run, Settings, Grant, Revoke, ConsentStatus, Displays, Doctor, Version, Help, Invalid };
+  enum class Command {
+    Run,
+    Settings,
+    Grant,
+    Revoke,
+    ConsentStatus,
+    Displays,
+    Buttons,
+    ForgetButtons,
+    Doctor,
+    Version,
+    Help,
+    Invalid
+  };
   Command command = Command::Run;
-  /// The tab of Settings, empty for any; the message of Invalid.
+  /// The tab of Settings, empty for any; whose title bars ForgetButtons means, empty for all; the message of Invalid.
   std::string argument;
   friend bool operator==(const CommandLine&, const CommandLine&) = default;
 };

@@ -9,11 +9,23 @@ namespace ostrel {
 namespace {
 
 constexpr std::string_view settingsWord = "settings";
+constexpr std::string_view forgetWord = "forget";
 
 /// One line of the answer: title, tab stop, value. A name with a line feed in it must not make two lines.
-std::string line(std::string_view title, std::string value) {
+std::string line(std::string title, std::string value) {
   std::replace(value.begin(), value.end(), '\n', ' ');
-  return std::string(title) + '\t' + value + '\n';
+  std::replace_if(
+      title.begin(), title.end(), [](char c) { return c == '\n' || c == '\t'; }, ' ');
+  return title + '\t' + value + '\n';
+}
+
+std::string titleBarButtons(std::size_t mostLines) {
+  std::string text;
+  for (const auto& [title, value] : ns::titleBarButtonDiagnostics()) {
+    if (mostLines-- == 0) break;
+    text += line(title, value);
+  }
+  return text;
 }
 
 std::string tapState(const OstrelController& controller) {
@@ -49,12 +61,22 @@ std::string settingsRequest(std::string_view tab) {
   return std::string(settingsWord) + (tab.empty() ? "" : " ") + std::string(tab);
 }
 
+std::string forgetRequest(std::string_view painter) {
+  return std::string(forgetWord) + (painter.empty() ? "" : " ") + std::string(painter);
+}
+
 std::string answerRequest(std::string_view request, const OstrelController& controller,
                           const std::function<void(const std::string& tab)>& openSettings) {
   if (request == statusRequest) {
     return line("Event tap", tapState(controller)) + line("Last error", controller.lastError().value_or("none")) +
-           watchdogState() + line("Excluded apps", excludedApplications(controller)) +
+           watchdogState() + titleBarButtons(1) + line("Excluded apps", excludedApplications(controller)) +
            line("Excluded processes", excludedProcesses(controller));
+  }
+  if (request == buttonsRequest) return titleBarButtons(std::string::npos);
+  if (request == forgetWord || request.starts_with(std::string(forgetWord) + ' ')) {
+    request.remove_prefix(std::min(request.size(), forgetWord.size() + 1));
+    const auto count = ns::forgetTitleBarButtons(request);
+    return count ? std::to_string(*count) : "";
   }
   if (request.empty()) request = settingsWord;
   if (request.substr(0, settingsWord.size()) == settingsWord) {
@@ -64,10 +86,10 @@ std::string answerRequest(std::string_view request, const OstrelController& cont
       return "shown";
     }
   }
-  return "unknown request";
+  return std::string(unknownRequest);
 }
 
-std::vector<ns::DiagnosticLine> statusLines(std::string_view answer) {
+std::vector<ns::DiagnosticLine> answeredLines(std::string_view answer) {
   std::vector<ns::DiagnosticLine> lines;
   while (!answer.empty()) {
     const auto end = std::min(answer.find('\n'), answer.size());

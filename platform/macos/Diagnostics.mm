@@ -9,6 +9,12 @@ std::vector<DiagnosticLine> desktopDiagnostics() {
           {"Window buttons", "found through the Accessibility interface"}};
 }
 
+std::vector<DiagnosticLine> titleBarButtonDiagnostics() {
+  return {{"Title bars", "every application tells where its buttons are; none has to be learned"}};
+}
+
+std::optional<std::size_t> forgetTitleBarButtons(std::string_view) { return std::nullopt; }
+
 std::optional<std::string> desktopUnavailableReason() { return std::nullopt; }
 
 }  // namespace ns

@@ -16,6 +16,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/Diagnostics.h"
 #include "platform/PropertyList.h"
 #include "platform/portable/ApplicationServices.h"
 
@@ -110,6 +111,10 @@ class Desktop {
   /// None for an identifier that is not active.
   virtual std::optional<Display> display(CGDirectDisplayID identifier) = 0;
   virtual std::vector<Screen> screens() = 0;
+
+  /// As ns::titleBarButtonDiagnostics and ns::forgetTitleBarButtons.
+  virtual std::vector<ns::DiagnosticLine> titleBarButtons() = 0;
+  virtual std::size_t forgetTitleBarButtons(std::string_view painter) = 0;
 
   /// A process may be several applications.
   virtual std::vector<Application> runningApplications() = 0;

@@ -278,6 +278,11 @@ std::optional<desktop::Display> SimulatedDesktop::display(CGDirectDisplayID iden
   return std::nullopt;
 }
 
+std::size_t SimulatedDesktop::forgetTitleBarButtons(std::string_view painter) {
+  return std::erase_if(titleBarLines,
+                       [&](const ns::DiagnosticLine& line) { return painter.empty() || line.title == painter; });
+}
+
 std::vector<desktop::Application> SimulatedDesktop::runningApplications() {
   if (keepsJournal) note("running applications");
   return applications_;

@@ -55,6 +55,9 @@ class SimulatedDesktop final : public desktop::Desktop {
   /// What the user-interface side says of the displays; setDisplays makes it agree with them.
   std::vector<desktop::Screen> screenList;
 
+  /// What is known of title bars; forgetting a painter takes its lines away.
+  std::vector<ns::DiagnosticLine> titleBarLines;
+
   // --- Breaking it ---
 
   void inject(Fault fault) { faults_.emplace_back(std::move(fault), 0); }
@@ -110,6 +113,8 @@ class SimulatedDesktop final : public desktop::Desktop {
   CGError activeDisplays(std::vector<CGDirectDisplayID>& displays) override;
   std::optional<desktop::Display> display(CGDirectDisplayID identifier) override;
   std::vector<desktop::Screen> screens() override { return screenList; }
+  std::vector<ns::DiagnosticLine> titleBarButtons() override { return titleBarLines; }
+  std::size_t forgetTitleBarButtons(std::string_view painter) override;
   std::vector<desktop::Application> runningApplications() override;
   bool isApplicationRunning(pid_t pid) override;
   bool hideApplication(pid_t pid) override;

@@ -75,6 +75,41 @@ TEST_P(Learning, EveryClickIsHandledAndFromTheThirdOnTaken) {
   EXPECT_EQ(arrived(), 0U);
 }
 
+TEST_P(Learning, WhatIsKnownIsToldAndCanBeForgotten) {
+  openTerminal();
+  desktop.open({"gtk3-demo"});
+  const Window window = open();
+  desktop.startOstrel();
+  const auto says = [&](const std::string& text) {
+    const auto listed = desktop.ostrelCommand({"buttons"});
+    EXPECT_EQ(listed.status, 0);
+    return listed.output.find(text) != std::string::npos ? testing::AssertionSuccess()
+                                                         : testing::AssertionFailure() << listed.output;
+  };
+  EXPECT_TRUE(says("Title bars          none learned yet\n"));
+  EXPECT_TRUE(says(" close              a button window of the window manager\n"));
+  EXPECT_TRUE(happens([&] { return says(" close              AT-SPI\n") == true; }));
+  EXPECT_TRUE(says("SelfDrawn           \n minimise           not known yet\n"));
+  expectHandled(window, 0);
+  EXPECT_TRUE(says(" minimise           still learning, 1 of 2\n zoom               still learning, 1 of 2\n"));
+  expectHandled(window, 1);
+  EXPECT_TRUE(says("Title bars          learned of SelfDrawn\n"));
+  EXPECT_TRUE(says(" minimise           learned\n zoom               learned\n close              not known yet\n"));
+
+  EXPECT_EQ(desktop.ostrelCommand({"buttons", "forget", "Nobody"}).status, 1);
+  EXPECT_EQ(desktop.ostrelCommand({"buttons", "forget", "SelfDrawn"}).output, "Forgotten: 1 kind of title bars.\n");
+  EXPECT_TRUE(says(" minimise           not known yet\n"));
+  expectHandled(window, 2);
+  EXPECT_EQ(arrived(), 6U);
+
+  // What lies on the disk can be forgotten without a running Ostrel.
+  desktop.stopOstrel();
+  EXPECT_EQ(desktop.ostrelCommand({"buttons"}).status, 1);
+  EXPECT_EQ(desktop.ostrelCommand({"buttons", "forget"}).output, "Forgotten: 1 kind of title bars.\n");
+  desktop.startOstrel();
+  EXPECT_TRUE(says("Title bars          none learned yet\n"));
+}
+
 TEST_P(Learning, PreferencesHoldBeforeAButtonIsKnown) {
   desktop.writePreferences(R"({"behavior.yellowButtonEnabled": false})");
   const Window window = open();

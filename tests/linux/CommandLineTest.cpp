@@ -26,6 +26,9 @@ TEST(CommandLineParsingTest, TakesOnlyWholeCommands) {
   const std::vector<std::string> exclude{"settings", "exclude"};
   EXPECT_EQ(parseCommandLine(exclude), (CommandLine{Command::Settings, "exclude"}));
   EXPECT_EQ(commandOf({"accessibility", "revoke"}), Command::Revoke);
+  EXPECT_EQ(commandOf({"buttons"}), Command::Buttons);
+  const std::vector<std::string> forget{"buttons", "forget", "A class"};
+  EXPECT_EQ(parseCommandLine(forget), (CommandLine{Command::ForgetButtons, "A class"}));
   for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{{""},
                                                                                      {"Settings"},
                                                                                      {"settings", "General"},
@@ -34,6 +37,9 @@ TEST(CommandLineParsingTest, TakesOnlyWholeCommands) {
                                                                                      {"accessibility"},
                                                                                      {"accessibility", "grant", "x"},
                                                                                      {"displays", "x"},
+                                                                                     {"buttons", "learn"},
+                                                                                     {"buttons", "forget", ""},
+                                                                                     {"buttons", "forget", "a", "b"},
                                                                                      {"--version", "--help"},
                                                                                      {"--verbose"}}) {
     const CommandLine parsed = parseCommandLine(wrong);
@@ -113,7 +119,7 @@ TEST_F(ProgramTest, WorksWithoutADisplayWhereNoneIsNeeded) {
 }
 
 TEST_F(ProgramTest, SaysWhyItCannotWorkWithoutAnXServer) {
-  for (const char* arguments : {"", "displays", "settings about", "doctor"}) {
+  for (const char* arguments : {"", "displays", "settings about", "doctor", "buttons forget"}) {
     const Result none = run(arguments, noDisplay);
     EXPECT_EQ(none.status, 1);
     EXPECT_NE(none.output.find("DISPLAY is not set"), std::string::npos) << none.output;
@@ -168,6 +174,7 @@ TEST_F(ProgramOnDesktopTest, LaterStartsTalkToTheRunningInstance) {
   ASSERT_EQ(run("accessibility grant").status, 0);
   EXPECT_TRUE(doctorComesToSay("installed\n"));
   EXPECT_TRUE(doctorComesToSay("Watchdog            running\n"));
+  EXPECT_TRUE(doctorComesToSay("Title bars          none learned yet\n"));
 
   EXPECT_EQ(run("").status, 0);
   EXPECT_EQ(run("settings displays").status, 0);

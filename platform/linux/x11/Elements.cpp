@@ -193,6 +193,28 @@ std::optional<ButtonRole> Elements::knownButtonAt(const Window& window, CGPoint 
   return isDescribed(window) ? clientButtonAt(window, position) : drawnButtons_.roleAt(window, position);
 }
 
+std::vector<ns::DiagnosticLine> Elements::describeButtons(const Window& window) const {
+  const std::string manager = tracker_.windowManager().name;
+  const bool drawsItself = window.drawsItsTitleBar();
+  std::vector<ns::DiagnosticLine> lines{
+      {drawsItself ? window.properties.windowClass : manager, window.properties.title}};
+  const auto described = isDescribed(window) ? clientButtons_(window.client) : std::vector<atspi::TitleBarButton>();
+  for (const auto& [role, name] : {std::pair(ButtonRole::Minimize, " minimise"), std::pair(ButtonRole::Zoom, " zoom"),
+                                   std::pair(ButtonRole::Close, " close")}) {
+    const auto has = [wanted = role](const atspi::TitleBarButton& button) { return button.role == wanted; };
+    if (window.geometry.fullscreen || (!drawsItself && window.geometry.decoration.top == 0)) {
+      lines.push_back({name, "none: the window has no title bar now"});
+    } else if (!drawsItself && windowManagerNamed(manager) != nullptr) {
+      lines.push_back({name, "a button window of the window manager"});
+    } else if (isDescribed(window)) {
+      lines.push_back({name, std::any_of(described.begin(), described.end(), has) ? "AT-SPI" : "none, by AT-SPI"});
+    } else {
+      lines.push_back({name, drawnButtons_.sourceOf(window, role)});
+    }
+  }
+  return lines;
+}
+
 MinimizeButton Elements::minimizeButtonOf(const Window& window) const {
   const MinimizeButton allowed = window.properties.minimizeButton();
   if (allowed == MinimizeButton::Missing || !window.drawsItsTitleBar()) return allowed;

@@ -46,6 +46,10 @@ class Elements {
   /// Has `work` find that button wherever it looks: a press that was passed on is decided about once more. Main thread.
   void pretendHit(const desktop::Element& button, const std::function<void()>& work);
 
+  /// What is known of a window's title-bar buttons and where from, in words for the person: a line for the window and
+  /// one for each button. From memory.
+  std::vector<ns::DiagnosticLine> describeButtons(const Window& window) const;
+
   // As in desktop::Desktop.
   AXError atPosition(CGPoint position, desktop::Element& element);
   AXError attribute(const desktop::Element& element, std::string_view name, desktop::Value& value) const;

@@ -168,6 +168,17 @@ std::vector<desktop::Screen> X11Desktop::screens() {
   return screens;
 }
 
+std::vector<ns::DiagnosticLine> X11Desktop::titleBarButtons() {
+  std::vector<ns::DiagnosticLine> lines{{"Title bars", drawnButtons_.summary()}};
+  for (const Window& window : tracker_.windows()) {
+    if (window.properties.isFurniture || window.properties.isIconic()) continue;
+    const auto more = elements_.describeButtons(window);
+    lines.insert(lines.end(), more.begin(), more.end());
+  }
+  return lines;
+}
+std::size_t X11Desktop::forgetTitleBarButtons(std::string_view painter) { return drawnButtons_.forget(painter); }
+
 std::vector<desktop::Application> X11Desktop::runningApplications() { return applications_.running(); }
 bool X11Desktop::isApplicationRunning(pid_t pid) { return !tracker_.windowsOfProcess(pid).empty(); }
 bool X11Desktop::hideApplication(pid_t pid) { return hiding_.hide(pid); }

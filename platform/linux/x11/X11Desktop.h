@@ -51,6 +51,8 @@ class X11Desktop final : public desktop::Desktop {
   CGError activeDisplays(std::vector<CGDirectDisplayID>& displays) override;
   std::optional<desktop::Display> display(CGDirectDisplayID identifier) override;
   std::vector<desktop::Screen> screens() override;
+  std::vector<ns::DiagnosticLine> titleBarButtons() override;
+  std::size_t forgetTitleBarButtons(std::string_view painter) override;
   std::vector<desktop::Application> runningApplications() override;
   bool isApplicationRunning(pid_t pid) override;
   bool hideApplication(pid_t pid) override;

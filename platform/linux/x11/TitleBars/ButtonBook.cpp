@@ -150,6 +150,14 @@ bool ButtonBook::add(const TitleBarKind& kind, const Observation& observation) {
   return found->second.evidence.add(observation);
 }
 
+std::set<std::string> ButtonBook::painters() const {
+  std::set<std::string> names;
+  for (const auto& [kind, page] : pages_) {
+    if (page.evidence.hasAnyRole()) names.insert(kind.painter);
+  }
+  return names;
+}
+
 std::size_t ButtonBook::forget(std::string_view painter) {
   return std::erase_if(pages_, [&](const auto& page) { return painter.empty() || page.first.painter == painter; });
 }

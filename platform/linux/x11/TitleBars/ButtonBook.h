@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,8 @@ class ButtonBook {
   bool add(const TitleBarKind& kind, const Observation& observation);
   /// Forgets all kinds of one painter, of all painters when it is empty. Returns how many there were.
   std::size_t forget(std::string_view painter);
+  /// Those of whom at least one press on a button has been seen, each once.
+  std::set<std::string> painters() const;
   std::size_t size() const { return pages_.size(); }
 
  private:

@@ -76,6 +76,10 @@ bool ButtonEvidence::add(const Observation& observation) {
   return std::exchange(buttons_, buttons) != buttons;
 }
 
+bool ButtonEvidence::has(ButtonRole role) const {
+  return std::any_of(buttons_.begin(), buttons_.end(), [role](const StoredButton& one) { return one.role == role; });
+}
+
 int ButtonEvidence::seen(ButtonRole role) const {
   return static_cast<int>(std::count_if(observations_.begin(), observations_.end(),
                                         [role](const Observation& one) { return one.role == role; }));

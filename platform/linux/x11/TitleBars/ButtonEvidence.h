@@ -40,6 +40,7 @@ class ButtonEvidence {
   bool add(const Observation& observation);
 
   const std::vector<StoredButton>& buttons() const { return buttons_; }
+  bool has(ButtonRole role) const;
   const std::vector<Observation>& observations() const { return observations_; }
   /// How many presses speak for a role, and how many it takes.
   int seen(ButtonRole role) const;

@@ -63,9 +63,37 @@ bool DrawnButtons::has(const Window& window, ButtonRole role) const {
   const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
   const ns::LockGuard guard(lock_);
   const ButtonEvidence* evidence = kind ? book_.evidence(*kind) : nullptr;
-  if (evidence == nullptr) return false;
-  const auto& buttons = evidence->buttons();
-  return std::any_of(buttons.begin(), buttons.end(), [role](const StoredButton& one) { return one.role == role; });
+  return evidence != nullptr && evidence->has(role);
+}
+
+std::string DrawnButtons::sourceOf(const Window& window, ButtonRole role) const {
+  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
+  const ns::LockGuard guard(lock_);
+  const ButtonEvidence* evidence = kind ? book_.evidence(*kind) : nullptr;
+  const int seen = evidence == nullptr ? 0 : evidence->seen(role);
+  const int needed = ButtonEvidence::needed(role);
+  if (evidence != nullptr && evidence->has(role)) return "learned";
+  if (seen == 0) return "not known yet";
+  if (seen >= needed) return "not known: clicks have shown it in places that do not agree";
+  return "still learning, " + std::to_string(seen) + " of " + std::to_string(needed);
+}
+
+std::string DrawnButtons::summary() const {
+  std::string names;
+  const ns::LockGuard guard(lock_);
+  for (const std::string& painter : book_.painters()) names += (names.empty() ? "learned of " : ", ") + painter;
+  return names.empty() ? "none learned yet" : names;
+}
+
+std::size_t DrawnButtons::forget(std::string_view painter) {
+  std::size_t count = 0;
+  {
+    const ns::LockGuard guard(lock_);
+    count = book_.forget(painter);
+    hasNews_ = hasNews_ || count > 0;
+  }
+  store();
+  return count;
 }
 
 void DrawnButtons::passedOn(const std::optional<Window>& window, CGPoint position) {
@@ -118,6 +146,7 @@ void DrawnButtons::learn(const Outcome& outcome) {
 }
 
 void DrawnButtons::store() {
+  const ns::LockGuard writing(diskLock_);
   std::string text;
   {
     const ns::LockGuard guard(lock_);

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/Lock.h"
 #include "platform/linux/x11/Connection.h"
@@ -37,6 +38,15 @@ class DrawnButtons {
   /// Whether it is known where that window has this button. From memory; any thread.
   bool has(const Window& window, ButtonRole role) const;
 
+  /// Where it is known from, in words for the person: "learned", or how much is missing. From memory; any thread.
+  std::string sourceOf(const Window& window, ButtonRole role) const;
+  /// Whose title bars have been learned, in words for the person. Any thread.
+  std::string summary() const;
+
+  /// Forgets what was learned of one painter's title bars, of all when it is empty, and stores that. How many kinds it
+  /// was. Waits for the disk; any thread.
+  std::size_t forget(std::string_view painter);
+
   /// The tap's thread, at each press that is not taken for a button; `window` is what it falls into when nobody else
   /// knows that window's buttons.
   void passedOn(const std::optional<Window>& window, CGPoint position);
@@ -57,6 +67,8 @@ class DrawnButtons {
   const std::string file_;
   const IdleTime idleTime_;
   const EffectHandler onEffect_;
+  /// Held while the disk is written, so that nothing older is written over anything newer. Taken before the other.
+  ns::Lock diskLock_;
   mutable ns::Lock lock_;
   std::uint64_t presses_ GUARDED_BY(lock_) = 0;
   PressWatch watch_ GUARDED_BY(lock_);
