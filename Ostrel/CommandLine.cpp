@@ -4,6 +4,7 @@
 #include <iomanip>
 #include <iostream>
 
+#include "Ostrel/Commit.h"
 #include "Ostrel/DisplayCatalogue.h"
 #include "Ostrel/InstanceRequests.h"
 #include "Ostrel/JSONText.h"
@@ -28,14 +29,15 @@ Without a command Ostrel starts; if it runs already, its settings open.
   buttons                                     what is known of each window's buttons, and where from
   buttons forget [NAME]                       forget what clicks taught about NAME's title bars, or all
   doctor                                      what Ostrel sees of this desktop
-  --version                                   the version
+  --version                                   the version, and the commit when it is not a release
   --help                                      this text
 )";
 
 std::string versionText() {
   const auto version = ns::Bundle::mainBundle()->objectForInfoDictionaryKey("CFBundleShortVersionString");
   const std::string* text = version ? version->as<std::string>() : nullptr;
-  return "Ostrel " + (text == nullptr ? "?" : *text);
+  const std::string commit = builtFromCommit;
+  return "Ostrel " + (text == nullptr ? "?" : *text) + (commit.empty() ? "" : " (" + commit + ")");
 }
 
 int fail(const std::string& message) {

@@ -4,7 +4,6 @@ set(OSTREL_BUILD_NUMBER "1" CACHE STRING "Build number of the bundle (CFBundleVe
 set(OSTREL_UPDATE_FEED "https://ostrel.example/appcast.xml" CACHE STRING "Address of the update feed")
 set(OSTREL_UPDATE_PUBLIC_KEY "" CACHE STRING "Public EdDSA key, in base64, that update archives are signed with")
 set(OSTREL_UPDATE_FRAMEWORK "" CACHE PATH "Update framework to embed (…/Sparkle.framework); without it updates are off")
-set(OSTREL_BUNDLE_IDENTIFIER "example.ostrel.Ostrel" CACHE STRING "Bundle identifier")
 
 # The public key says whose updates are trusted, so a bundle that carries the framework must have one.
 if(OSTREL_UPDATE_FRAMEWORK AND NOT OSTREL_UPDATE_PUBLIC_KEY)

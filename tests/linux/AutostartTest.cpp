@@ -17,7 +17,8 @@ class AutostartTest : public testing::Test {
     std::filesystem::permissions(program, std::filesystem::perms::owner_all);
   }
   void switchOff(const std::string& line) {
-    folder.write("user/ostrel.desktop", folder.read("user/ostrel.desktop") + line);
+    folder.write("user/" OSTREL_APPLICATION_ID ".desktop",
+                 folder.read("user/" OSTREL_APPLICATION_ID ".desktop") + line);
   }
 
   const support::TemporaryFolder folder;
@@ -29,7 +30,7 @@ TEST_F(AutostartTest, RegistersAProgramWhateverItsPath) {
   EXPECT_EQ(service.status(), 0);
   service.registerItem();
   EXPECT_EQ(service.status(), 1);
-  EXPECT_EQ(parseDesktopEntry(folder.read("user/ostrel.desktop"), "")->executable, program);
+  EXPECT_EQ(parseDesktopEntry(folder.read("user/" OSTREL_APPLICATION_ID ".desktop"), "")->executable, program);
   service.unregisterItem();
   EXPECT_EQ(service.status(), 0);
   service.unregisterItem();
@@ -50,21 +51,22 @@ TEST_F(AutostartTest, AMovedProgramIsNotFound) {
   service.registerItem();
   std::filesystem::remove(program);
   EXPECT_EQ(service.status(), 3);
-  std::filesystem::remove(folder / "user/ostrel.desktop");
+  std::filesystem::remove(folder / "user/" OSTREL_APPLICATION_ID ".desktop");
   EXPECT_EQ(service.status(), 3);
   EXPECT_THROW(service.registerItem(), sm::Error);
-  EXPECT_FALSE(std::filesystem::exists(folder / "user/ostrel.desktop"));
+  EXPECT_FALSE(std::filesystem::exists(folder / "user/" OSTREL_APPLICATION_ID ".desktop"));
 }
 
 TEST_F(AutostartTest, AnEntryOfTheSystemIsHiddenNotRemoved) {
   service.registerItem();
   std::filesystem::create_directory(folder / "system");
-  std::filesystem::rename(folder / "user/ostrel.desktop", folder / "system/ostrel.desktop");
+  std::filesystem::rename(folder / "user/" OSTREL_APPLICATION_ID ".desktop",
+                          folder / "system/" OSTREL_APPLICATION_ID ".desktop");
   EXPECT_EQ(service.status(), 1);
   service.unregisterItem();
   EXPECT_EQ(service.status(), 0) << "the person's own choice";
-  EXPECT_EQ(desktopEntryValue(folder.read("user/ostrel.desktop"), "Hidden"), "true");
-  EXPECT_TRUE(std::filesystem::exists(folder / "system/ostrel.desktop"));
+  EXPECT_EQ(desktopEntryValue(folder.read("user/" OSTREL_APPLICATION_ID ".desktop"), "Hidden"), "true");
+  EXPECT_TRUE(std::filesystem::exists(folder / "system/" OSTREL_APPLICATION_ID ".desktop"));
   service.registerItem();
   EXPECT_EQ(service.status(), 1);
 }

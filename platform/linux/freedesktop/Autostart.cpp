@@ -35,7 +35,9 @@ std::string quoted(std::string_view argument) {
 
 std::string entryText(std::string_view program, bool enabled) {
   std::string text =
-      "[Desktop Entry]\nType=Application\nName=Ostrel\nComment=Change what the buttons of windows do\nIcon=ostrel\n"
+      "[Desktop Entry]\nType=Application\nName=Ostrel\nComment=Change what the buttons of windows "
+      "do\nIcon=" OSTREL_APPLICATION_ID
+      "\n"
       "Terminal=false\nNoDisplay=true\nExec=" +
       quoted(program) + "\nX-GNOME-Autostart-enabled=true\n";
   if (!enabled) text += std::string("Hidden=true\n") + hiddenHere + "=true\n";
@@ -48,7 +50,7 @@ std::string entryText(std::string_view program, bool enabled) {
 
 Autostart::Autostart(std::vector<std::string> folders, std::string program)
     : files_(std::move(folders)), program_(std::move(program)) {
-  for (std::string& file : files_) file += "/ostrel.desktop";
+  for (std::string& file : files_) file += "/" OSTREL_APPLICATION_ID ".desktop";
 }
 
 int Autostart::status() const {

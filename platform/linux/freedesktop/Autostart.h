@@ -8,10 +8,10 @@
 
 namespace freedesktop {
 
-/// The registration is the file ostrel.desktop in the user's autostart folder; before the system's, which may bring one
-/// of their own. Someone who switches the entry off by Hidden or X-GNOME-Autostart-enabled, as settings programs do,
-/// leaves it waiting for approval; registering again approves. An entry of the system's that is not wanted is hidden by
-/// one in the user's folder, which counts as not registered. Main thread only.
+/// The registration is the file of the application's name in the user's autostart folder; before the system's, which
+/// may bring one of their own. Someone who switches the entry off by Hidden or X-GNOME-Autostart-enabled, as settings
+/// programs do, leaves it waiting for approval; registering again approves. An entry of the system's that is not wanted
+/// is hidden by one in the user's folder, which counts as not registered. Main thread only.
 class Autostart final : public sm::AppService {
  public:
   /// `folders` are autostart folders, the user's first; `program` is what the entry is to start.

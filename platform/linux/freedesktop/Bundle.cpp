@@ -12,7 +12,7 @@ namespace {
 
 class MainBundle final : public ns::Bundle {
  public:
-  std::optional<std::string> bundleIdentifier() const override { return "ostrel"; }
+  std::optional<std::string> bundleIdentifier() const override { return OSTREL_APPLICATION_ID; }
   std::string bundlePath() const override { return executableOf(); }
   std::optional<ns::PropertyList> objectForInfoDictionaryKey(std::string_view key) const override {
     if (key == "CFBundleName") return ns::PropertyList{std::string("Ostrel")};

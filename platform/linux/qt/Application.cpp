@@ -68,6 +68,7 @@ class ToolkitScale {
 class QtApplication final : public Application {
  public:
   QtApplication() {
+    QApplication::setDesktopFileName(QStringLiteral(OSTREL_APPLICATION_ID));
     QApplication::setQuitOnLastWindowClosed(false);
     qt::ignoreClicksElsewhere();
     qt::installAccessibleViews();

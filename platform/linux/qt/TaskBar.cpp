@@ -4,12 +4,25 @@
 #include <QWidget>
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 #include "platform/Application.h"
 #include "platform/linux/qt/Symbols.h"
 #include "platform/linux/qt/ToolkitConnection.h"
 
 namespace qt {
+namespace {
+
+/// The class names the desktop entry. The toolkit would take it from the name that it tells assistive technology, and
+/// people hear that one.
+void setWindowClass(xcb_connection_t* connection, xcb_window_t window) {
+  constexpr std::string_view instanceAndClass("ostrel\0" OSTREL_APPLICATION_ID,
+                                              sizeof("ostrel\0" OSTREL_APPLICATION_ID));
+  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                      static_cast<std::uint32_t>(instanceAndClass.size()), instanceAndClass.data());
+}
+
+}  // namespace
 
 void applyTaskBarPolicy(QWidget& window) {
   xcb_connection_t* const connection = toolkitConnection();
@@ -18,6 +31,7 @@ void applyTaskBarPolicy(QWidget& window) {
   if (QApplication::windowIcon().isNull()) QApplication::setWindowIcon(drawApplicationIcon());
   const bool isAccessory = ns::Application::sharedApplication()->activationPolicy() == ns::ActivationPolicy::Accessory;
   const auto id = static_cast<xcb_window_t>(window.winId());
+  setWindowClass(connection, id);
   const xcb_atom_t state = atom(connection, "_NET_WM_STATE");
   const std::array hints{atom(connection, "_NET_WM_STATE_SKIP_TASKBAR"), atom(connection, "_NET_WM_STATE_SKIP_PAGER")};
   if (window.isVisible()) {
