@@ -5,7 +5,8 @@ source "$(dirname "$0")/lib.sh"
 commands=$(sed -n '/R"(Usage:/,/^)"/s/^  \([a-z-]*\).*/\1/p' Ostrel/CommandLine.cpp)
 [ -n "$commands" ] || die "Ostrel/CommandLine.cpp has no usage any more"
 for command in $commands; do
-  for file in packaging/linux/ostrel.1.scd.in packaging/linux/completions/*; do
+  grep -q "^\*$command\*" packaging/linux/ostrel.1.scd.in || { echo "The manual page does not know '$command'" && failed=1; }
+  for file in packaging/linux/completions/*; do
     grep -qE -e "(^|[^a-z])${command#--}([^a-z]|\$)" "$file" || { echo "$file does not know '$command'" && failed=1; }
   done
 done
