@@ -139,6 +139,7 @@ std::optional<desktop::Value> ElementTree::attribute(const Node& node, std::stri
   if (name == "AXParent" && node.parent != 0) return element(node.parent);
   if (name == "AXPosition") return frame(node).origin;
   if (name == "AXSize") return frame(node).size;
+  if (name == "AXMinimized" && node.parent == 0) return false;
   if (name == "AXMinimizeButton") {
     for (const Node& each : nodes_) {
       if (!each.isGone && isMinimizeButton(each) && isWithin(each, node.identifier)) return element(each.identifier);
@@ -148,11 +149,13 @@ std::optional<desktop::Value> ElementTree::attribute(const Node& node, std::stri
 }
 
 AXError ElementTree::setAttribute(Node& node, std::string_view name, const desktop::Value& value) {
-  if (name != "AXPosition" && name != "AXSize") {
+  if (node.parent != 0) return kAXErrorAttributeUnsupported;
+  if (name == "AXMinimized") {
+    if (!std::holds_alternative<bool>(value)) return kAXErrorIllegalArgument;
     node.attributes[std::string(name)] = value;
     return kAXErrorSuccess;
   }
-  if (node.parent != 0) return kAXErrorAttributeUnsupported;
+  if (name != "AXPosition" && name != "AXSize") return kAXErrorAttributeUnsupported;
   CGRect place = node.place.value_or(CGRect{});
   if (name == "AXPosition" && std::holds_alternative<CGPoint>(value)) {
     place.origin = std::get<CGPoint>(value);

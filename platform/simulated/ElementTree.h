@@ -61,7 +61,7 @@ class ElementTree {
   Identifier deepestAt(CGPoint point) const;
   CGRect frame(const Node& node) const;
   std::optional<desktop::Value> attribute(const Node& node, std::string_view name) const;
-  /// Moves or resizes with AXPosition and AXSize, stores everything else.
+  /// AXPosition, AXSize and AXMinimized of a top-level element; kAXErrorAttributeUnsupported for everything else.
   AXError setAttribute(Node& node, std::string_view name, const desktop::Value& value);
 
  private:

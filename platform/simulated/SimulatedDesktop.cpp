@@ -227,6 +227,12 @@ AXError SimulatedDesktop::attribute(const desktop::Element& element, std::string
     value = *fault->value;
     return kAXErrorSuccess;
   }
+  const auto pid = static_cast<pid_t>(element.id);
+  if (element.kind == applicationKind && isApplicationRunning(pid)) {
+    if (name != "AXHidden") return kAXErrorAttributeUnsupported;
+    value = isHidden(pid);
+    return kAXErrorSuccess;
+  }
   if (asked == nullptr || asked->isGone) return kAXErrorInvalidUIElement;
   auto found = elements_.attribute(*asked, name);
   if (!found) return kAXErrorNoValue;

@@ -370,38 +370,6 @@ TEST(WindowTable, TellsOfTheServersEnd) {
   lost.wait(false);
 }
 
-TEST(Applications, AreLaunchedWithTheirFirstWindowAndQuitWithTheirLast) {
-  Desk desk("openbox");
-  freedesktop::DesktopEntries entries({}, "C");
-  freedesktop::ApplicationIdentity identity(entries);
-  x11::WindowTracker tracker(x11::Connection::open());
-  x11::Applications applications(tracker, identity);
-  std::vector<std::pair<desktop::ApplicationChange, pid_t>> changes;
-  applications.observe([&](desktop::ApplicationChange change, pid_t pid) { changes.emplace_back(change, pid); });
-  tracker.start();
-  const auto waitForChanges = [&changes](std::size_t count) {
-    const auto deadline = std::chrono::steady_clock::now() + support::patience;
-    while (changes.size() < count && std::chrono::steady_clock::now() < deadline) {
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-    }
-    return changes.size() == count;
-  };
-  pid_t pid = 0;
-  {
-    const support::ChildProcess terminal({"xterm"});
-    pid = terminal.pid();
-    ASSERT_TRUE(waitForChanges(1));
-    EXPECT_EQ(changes[0], std::pair(desktop::ApplicationChange::Launched, pid));
-    const auto running = applications.running();
-    ASSERT_EQ(running.size(), 1U);
-    EXPECT_EQ(running[0].pid, pid);
-    EXPECT_EQ(running[0].name, "XTerm");
-  }
-  ASSERT_TRUE(waitForChanges(2));
-  EXPECT_EQ(changes[1], std::pair(desktop::ApplicationChange::Terminated, pid));
-  tracker.stop();
-}
-
 TEST(Applications, OneProcessMayBeSeveralAndBecomeAnother) {
   Desk desk("openbox");
   const support::TemporaryFolder folder;
