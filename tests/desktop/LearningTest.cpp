@@ -110,6 +110,20 @@ TEST_P(Learning, WhatIsKnownIsToldAndCanBeForgotten) {
   EXPECT_TRUE(says("Title bars          none learned yet\n"));
 }
 
+TEST_P(Learning, WhatIsShippedHoldsFromTheFirstClickOnWhereItFits) {
+  const Window window = open("chromium");
+  desktop.startOstrel();
+  expectHandled(window, 0);
+  EXPECT_EQ(arrived(), 0U);
+
+  // Buttons in another order are not where those shipped are.
+  desktop.stopOstrel();
+  desktop.home().write("CONFIG_HOME/gtk-4.0/settings.ini", "[Settings]\ngtk-decoration-layout = close,minimize:menu\n");
+  desktop.startOstrel();
+  expectHandled(window, 1);
+  EXPECT_EQ(arrived(), 2U);
+}
+
 TEST_P(Learning, PreferencesHoldBeforeAButtonIsKnown) {
   desktop.writePreferences(R"({"behavior.yellowButtonEnabled": false})");
   const Window window = open();

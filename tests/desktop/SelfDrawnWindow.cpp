@@ -1,6 +1,7 @@
 // A program that draws its own title bar and tells nobody where its buttons are: squares of 30 pixels in the upper
 // right corner, from the right close, zoom and minimise, which act on release. Says "press X Y" for each press that
-// reaches it, in pixels from its upper left corner. With an argument it is badly behaved:
+// reaches it, in pixels from its upper left corner. With the argument "chromium" it passes for that program, otherwise
+// with one it is badly behaved:
 //   moving    minimise is at the other corner at every other press
 //   late      buttons act one and a half seconds after the release
 //   menu      minimise opens a menu, whose entry under the pointer minimises
@@ -31,8 +32,11 @@ class SelfDrawnWindow {
     window_ = create(0, 0, width_, 340, false);
     const std::uint32_t undecorated[] = {2, 0, 0, 0, 0};
     set("_MOTIF_WM_HINTS", atom("_MOTIF_WM_HINTS"), 32, 5, undecorated);
-    constexpr std::string_view name("self-drawn\0SelfDrawn", 21);
+    const bool isChromium = mode_ == "chromium";
+    const std::string_view name(isChromium ? "chromium\0Chromium" : "self-drawn\0SelfDrawn", isChromium ? 18 : 21);
     set("WM_CLASS", XCB_ATOM_STRING, 8, name.size(), name.data());
+    const std::uint32_t shadow[] = {4, 4, 0, 4};
+    if (isChromium) set("_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, 32, 4, shadow);
     xcb_map_window(connection_, window_);
     xcb_flush(connection_);
   }

@@ -63,8 +63,8 @@ Desk::Desk(const std::string& windowManager) : connection_(x11::Connection::open
   tracker_->observe([this](x11::WindowChange, const x11::Window&) { changed_.notify_all(); });
   hiding_ = std::make_unique<x11::Hiding>(*connection_, *tracker_);
   placement_ = std::make_unique<x11::Placement>(x11::Connection::open());
-  drawnButtons_ = std::make_unique<x11::DrawnButtons>(*connection_, *tracker_, 1, "",
-                                                      [](const x11::PassedPress&, x11::ButtonRole) {});
+  drawnButtons_ = std::make_unique<x11::DrawnButtons>(
+      *connection_, *tracker_, 1, "", [] { return false; }, [](const x11::PassedPress&, x11::ButtonRole) {});
   elements_ = std::make_unique<x11::Elements>(
       *connection_, *tracker_, *placement_, *hiding_, [this](xcb_window_t) { return clientButtons; }, *drawnButtons_);
   hands_ = std::make_unique<Hands>();

@@ -44,12 +44,14 @@ std::string settings(bool mostSignificantFirst, std::int32_t resolution) {
   return contents;
 }
 
-TEST(XSettingsTest, HoldANumberInEitherByteOrderAndMayBeAnyBytes) {
+TEST(XSettingsTest, HoldNumbersAndTextsInEitherByteOrderAndMayBeAnyBytes) {
   for (const bool mostSignificantFirst : {false, true}) {
     const std::string whole = settings(mostSignificantFirst, 147'456);
     EXPECT_EQ(x11::xsettingsNumber(whole, "Xft/DPI"), 147'456);
     EXPECT_EQ(x11::xsettingsNumber(whole, "Xft/DP"), std::nullopt);
     EXPECT_EQ(x11::xsettingsNumber(whole, "Gtk/FontName"), std::nullopt) << "a text is no number";
+    EXPECT_EQ(x11::xsettingsText(whole, "Gtk/FontName"), "Sans\n");
+    EXPECT_EQ(x11::xsettingsText(whole, "Xft/DPI"), std::nullopt);
     for (std::size_t size = 0; size < whole.size(); ++size) {
       EXPECT_EQ(x11::xsettingsNumber(whole.substr(0, size), "Xft/DPI"), std::nullopt) << size;
     }

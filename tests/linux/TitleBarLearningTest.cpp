@@ -3,8 +3,10 @@
 
 #include <string>
 
+#include "platform/linux/x11/DecorationLayout.h"
 #include "platform/linux/x11/TitleBars/ButtonBook.h"
 #include "platform/linux/x11/TitleBars/PressWatch.h"
+#include "platform/linux/x11/TitleBars/ShippedButtons.h"
 
 namespace x11 {
 namespace {
@@ -146,6 +148,72 @@ TEST(ButtonBook, StaysBoundedAndForgets) {
   EXPECT_EQ(book.evidence(kind("0")), nullptr);
   EXPECT_EQ(book.forget("first"), 1U);
   EXPECT_EQ(book.forget(""), ButtonBook::mostKinds - 1);
+}
+
+TEST(ShippedButtons, BecomeRowsLikeAnyOthers) {
+  for (const int scale : {100, 200}) {
+    const int point = scale / 100;
+    TitleBarKind chromium = kind("Chromium");
+    chromium.extents = {16 * point, 16 * point, 10 * point, 32 * point};
+    chromium.scale = scale;
+    const auto shipped = shippedWith(chromium);
+    ASSERT_EQ(shipped.size(), 2U);
+    EXPECT_EQ(shipped[1].kind.state, TitleBarState::Maximized);
+    for (const auto& [one, presses] : shipped) {
+      ButtonBook book;
+      book.ship(one, presses);
+      // Where its icons are, from the right: normal 16, 48, 80 and maximised 18, 50, 82.
+      const int icon = one.state == TitleBarState::Normal ? 16 : 18;
+      const ButtonRole roles[] = {ButtonRole::Close, ButtonRole::Zoom, ButtonRole::Minimize};
+      for (int i = 0; i < 3; ++i) {
+        const Spot spot = right((icon + 32 * i) * point, 20 * point);
+        EXPECT_TRUE(has(*book.evidence(one), roles[i], spot)) << scale << ' ' << i;
+        EXPECT_TRUE(book.isShipped(one, roles[i]));
+      }
+      EXPECT_EQ(ButtonBook::parse(book.text())->size(), 0U) << "nothing has been learned";
+
+      // Contradicted it is forgotten for good, until the person says otherwise.
+      book.add(one, {std::nullopt, right((icon + 64) * point, 20 * point)});
+      book.add(one, {std::nullopt, right((icon + 69) * point, 29 * point)});
+      auto read = ButtonBook::parse(book.text());
+      ASSERT_TRUE(read);
+      for (ButtonBook* after : {&book, &*read}) {
+        after->ship(one, presses);
+        EXPECT_FALSE(after->evidence(one)->has(ButtonRole::Minimize));
+        EXPECT_TRUE(after->isShipped(one, ButtonRole::Zoom));
+      }
+      EXPECT_EQ(read->forget("Chromium"), 1U);
+      read->ship(one, presses);
+      EXPECT_TRUE(read->isShipped(one, ButtonRole::Minimize));
+    }
+  }
+}
+
+TEST(ShippedButtons, AreOnlyForTheFrameThatWasMeasured) {
+  TitleBarKind chromium = kind("Chromium");
+  EXPECT_FALSE(shippedWith(chromium).empty());
+  const auto without = [&](void (*change)(TitleBarKind&)) {
+    TitleBarKind changed = chromium;
+    change(changed);
+    return shippedWith(changed).empty();
+  };
+  EXPECT_TRUE(without([](TitleBarKind& one) { one.painter = "SelfDrawn"; }));
+  EXPECT_TRUE(without([](TitleBarKind& one) { one.extents = {5, 5, 5, 5}; })) << "a GTK theme";
+  EXPECT_TRUE(without([](TitleBarKind& one) { one.state = TitleBarState::Maximized; })) << "any theme";
+  EXPECT_TRUE(without([](TitleBarKind& one) { one.maximizes = false; }));
+  EXPECT_TRUE(without([](TitleBarKind& one) { one.scale = 150; }));
+}
+
+TEST(DecorationLayout, IsUsualWithThreeButtonsOnTheRight) {
+  for (const char* usual :
+       {"menu:minimize,maximize,close", "icon,appmenu:minimize,maximize,close", ":minimize,maximize,close"}) {
+    EXPECT_TRUE(isUsualLayout(usual)) << usual;
+  }
+  for (const char* other :
+       {"", "menu:close", "close:minimize,maximize", "close:minimize,maximize,close", "menu:maximize,minimize,close",
+        "minimize,maximize,close", "menu:minimize,maximize,close,icon"}) {
+    EXPECT_FALSE(isUsualLayout(other)) << other;
+  }
 }
 
 class PressWatchTest : public testing::Test {

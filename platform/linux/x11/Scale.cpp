@@ -39,10 +39,7 @@ std::string readText(Connection& connection, xcb_window_t window, const char* na
 }
 
 std::optional<double> announcedResolution(Connection& connection) {
-  const auto manager = connection.reply(xcb_get_selection_owner_reply,
-                                        xcb_get_selection_owner(connection.get(), connection.atom("_XSETTINGS_S0")));
-  if (!manager || manager->owner == XCB_WINDOW_NONE) return std::nullopt;
-  const auto resolution = xsettingsNumber(readText(connection, manager->owner, "_XSETTINGS_SETTINGS"), "Xft/DPI");
+  const auto resolution = xsettingsNumber(readXSettings(connection), "Xft/DPI");
   if (!resolution || *resolution <= 0) return std::nullopt;  // -1 leaves it open
   return *resolution / 1024.0;
 }

@@ -11,6 +11,7 @@
 #include "platform/linux/freedesktop/BaseFolders.h"
 #include "platform/linux/freedesktop/Consent.h"
 #include "platform/linux/freedesktop/JSONUserDefaults.h"
+#include "platform/linux/x11/DecorationLayout.h"
 #include "platform/linux/x11/EventTap.h"
 #include "platform/linux/x11/Scale.h"
 
@@ -57,8 +58,10 @@ X11Desktop::X11Desktop(Connections connections, double scale, std::function<void
       hiding_(*connection_, tracker_),
       applications_(tracker_, identity_),
       placement_(std::move(connections.placement)),
-      drawnButtons_(*connection_, tracker_, scale, freedesktop::stateHome() + "/ostrel/title-bars.json",
-                    [this](const PassedPress& press, ButtonRole role) { makeGood(press, role); }),
+      drawnButtons_(
+          *connection_, tracker_, scale, freedesktop::stateHome() + "/ostrel/title-bars.json",
+          [this] { return hasUsualDecorationLayout(*connection_); },
+          [this](const PassedPress& press, ButtonRole role) { makeGood(press, role); }),
       elements_(
           *connection_, tracker_, placement_, hiding_,
           [this](xcb_window_t client) { return titleBarButtons_.buttons(client); }, drawnButtons_) {

@@ -1,6 +1,9 @@
 #include "platform/linux/x11/XSettings.h"
 
 #include <cstddef>
+#include <variant>
+
+#include "platform/linux/x11/Properties.h"
 
 namespace x11 {
 
@@ -44,9 +47,10 @@ class Reader {
   bool hasMissed_ = false;
 };
 
-}  // namespace
+using Value = std::variant<std::int32_t, std::string>;
 
-std::optional<std::int32_t> xsettingsNumber(std::string_view contents, std::string_view name) {
+/// The value of that name; none also for a colour.
+std::optional<Value> find(std::string_view contents, std::string_view name) {
   constexpr std::size_t word = 4;
   enum Type : std::uint32_t { Integer, Text, Color };
   Reader reader(contents);
@@ -57,14 +61,13 @@ std::optional<std::int32_t> xsettingsNumber(std::string_view contents, std::stri
     reader.bytes(1);
     const bool isWanted = reader.text(reader.number(2)) == name;
     reader.bytes(word);  // when it changed last
+    std::optional<Value> value;
     switch (type) {
-      case Integer: {
-        const auto value = static_cast<std::int32_t>(reader.number(word));
-        if (isWanted) return reader.hasMissed() ? std::nullopt : std::optional(value);
+      case Integer:
+        value = static_cast<std::int32_t>(reader.number(word));
         break;
-      }
       case Text:
-        reader.text(reader.number(word));
+        value = std::string(reader.text(reader.number(word)));
         break;
       case Color:
         reader.bytes(2 * word);
@@ -72,8 +75,33 @@ std::optional<std::int32_t> xsettingsNumber(std::string_view contents, std::stri
       default:
         return std::nullopt;  // how long it is nobody knows
     }
+    if (isWanted) return reader.hasMissed() ? std::nullopt : value;
   }
   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::int32_t> xsettingsNumber(std::string_view contents, std::string_view name) {
+  const auto value = find(contents, name);
+  const auto* number = value ? std::get_if<std::int32_t>(&*value) : nullptr;
+  return number == nullptr ? std::nullopt : std::optional(*number);
+}
+
+std::optional<std::string> xsettingsText(std::string_view contents, std::string_view name) {
+  const auto value = find(contents, name);
+  const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
+  return text == nullptr ? std::nullopt : std::optional(*text);
+}
+
+std::string readXSettings(Connection& connection) {
+  constexpr std::uint32_t longestInWords = 16'384;  // more than 64 KiB is nobody's
+  const auto manager = connection.reply(xcb_get_selection_owner_reply,
+                                        xcb_get_selection_owner(connection.get(), connection.atom("_XSETTINGS_S0")));
+  if (!manager || manager->owner == XCB_WINDOW_NONE) return {};
+  const auto cookie =
+      requestProperty(connection, manager->owner, connection.atom("_XSETTINGS_SETTINGS"), longestInWords);
+  return propertyText(receiveProperty(connection, cookie));
 }
 
 }  // namespace x11

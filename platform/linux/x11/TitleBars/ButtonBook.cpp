@@ -92,6 +92,7 @@ std::optional<ButtonBook> ButtonBook::parse(std::string_view text) {
     for (const Json& press : *presses) {
       if (const auto observation = observationFrom(press)) book.add(*kind, *observation);
     }
+    if (entry.value("wasShipped", Json()) == true) book.page(*kind).wasShipped = true;
   }
   return book;
 }
@@ -99,7 +100,7 @@ std::optional<ButtonBook> ButtonBook::parse(std::string_view text) {
 std::string ButtonBook::text() const {
   std::vector<const std::pair<const TitleBarKind, Page>*> byAge;
   for (const auto& page : pages_) {
-    if (page.second.evidence.hasAnyRole()) byAge.push_back(&page);
+    if (page.second.isLearned()) byAge.push_back(&page);
   }
   std::sort(byAge.begin(), byAge.end(),
             [](const auto* one, const auto* other) { return one->second.lastNews < other->second.lastNews; });
@@ -124,6 +125,7 @@ std::string ButtonBook::text() const {
                          {"maximizes", kind.maximizes},
                          {"isDialog", kind.isDialog},
                          {"scale", kind.scale},
+                         {"wasShipped", page->second.wasShipped},
                          {"presses", presses}});
   }
   // Class names come from applications and need not be proper text.
@@ -136,7 +138,7 @@ const ButtonEvidence* ButtonBook::evidence(const TitleBarKind& kind) const {
   return found == pages_.end() ? nullptr : &found->second.evidence;
 }
 
-bool ButtonBook::add(const TitleBarKind& kind, const Observation& observation) {
+ButtonBook::Page& ButtonBook::page(const TitleBarKind& kind) {
   auto found = pages_.find(kind);
   if (found == pages_.end()) {
     if (pages_.size() >= mostKinds) {
@@ -146,20 +148,56 @@ bool ButtonBook::add(const TitleBarKind& kind, const Observation& observation) {
     }
     found = pages_.emplace(kind, Page{ButtonEvidence(kind.scale), 0}).first;
   }
-  found->second.lastNews = ++news_;
-  return found->second.evidence.add(observation);
+  return found->second;
+}
+
+bool ButtonBook::add(const TitleBarKind& kind, const Observation& observation) {
+  Page& found = page(kind);
+  found.lastNews = ++news_;
+  return found.evidence.add(observation);
+}
+
+void ButtonBook::ship(const TitleBarKind& kind, const std::vector<Observation>& presses) {
+  Page& found = page(kind);
+  const bool isNew = !found.wasShipped && found.evidence.observations().empty();
+  if (isNew) {
+    found.wasShipped = true;
+    for (const Observation& press : presses) add(kind, press);
+  }
+  if (found.wasShipped) found.shipped = presses;
+}
+
+bool ButtonBook::hasShipped(const TitleBarKind& kind) const {
+  const auto found = pages_.find(kind);
+  return found != pages_.end() && !found->second.shipped.empty();
+}
+
+bool ButtonBook::isShipped(const TitleBarKind& kind, ButtonRole role) const {
+  const auto found = pages_.find(kind);
+  if (found == pages_.end() || !found->second.evidence.has(role)) return false;
+  const auto& shipped = found->second.shipped;
+  const auto& observations = found->second.evidence.observations();
+  return std::all_of(observations.begin(), observations.end(), [&](const Observation& one) {
+    return one.role != role || std::find(shipped.begin(), shipped.end(), one) != shipped.end();
+  });
 }
 
 std::set<std::string> ButtonBook::painters() const {
   std::set<std::string> names;
   for (const auto& [kind, page] : pages_) {
-    if (page.evidence.hasAnyRole()) names.insert(kind.painter);
+    if (page.isLearned()) names.insert(kind.painter);
   }
   return names;
 }
 
 std::size_t ButtonBook::forget(std::string_view painter) {
-  return std::erase_if(pages_, [&](const auto& page) { return painter.empty() || page.first.painter == painter; });
+  std::size_t count = 0;
+  std::erase_if(pages_, [&](const auto& page) {
+    if (!painter.empty() && page.first.painter != painter) return false;
+    count += page.second.isLearned() ? 1 : 0;
+    return true;
+  });
+  return count;
 }
 
 }  // namespace x11

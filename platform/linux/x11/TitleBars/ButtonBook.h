@@ -27,9 +27,17 @@ class ButtonBook {
   const ButtonEvidence* evidence(const TitleBarKind& kind) const;
   /// Returns whether a button has come, gone or changed.
   bool add(const TitleBarKind& kind, const Observation& observation);
-  /// Forgets all kinds of one painter, of all painters when it is empty. Returns how many there were.
+  /// Believes these presses about a kind of which nothing has been learned. Once something is, they count as any others
+  /// and do not come back, even if they are contradicted.
+  void ship(const TitleBarKind& kind, const std::vector<Observation>& presses);
+  /// Whether this process has shipped something about that kind.
+  bool hasShipped(const TitleBarKind& kind) const;
+  /// Whether all that speaks for a button has been shipped.
+  bool isShipped(const TitleBarKind& kind, ButtonRole role) const;
+  /// Forgets all kinds of one painter, of all painters when it is empty. Returns of how many
+  /// something had been learned.
   std::size_t forget(std::string_view painter);
-  /// Those of whom at least one press on a button has been seen, each once.
+  /// Those of whom something has been learned, each once.
   std::set<std::string> painters() const;
   std::size_t size() const { return pages_.size(); }
 
@@ -37,7 +45,14 @@ class ButtonBook {
   struct Page {
     ButtonEvidence evidence;
     std::uint64_t lastNews = 0;
+    /// Whether something was shipped about it, and what, as far as this process knows.
+    bool wasShipped = false;
+    std::vector<Observation> shipped{};
+
+    bool isLearned() const { return wasShipped ? evidence.observations() != shipped : evidence.hasAnyRole(); }
   };
+  Page& page(const TitleBarKind& kind);
+
   std::map<TitleBarKind, Page> pages_;
   std::uint64_t news_ = 0;
 };

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/linux/freedesktop/Files.h"
+#include "platform/linux/x11/TitleBars/ShippedButtons.h"
 
 namespace x11 {
 
@@ -34,12 +35,13 @@ ButtonBook read(const std::string& file) {
 }  // namespace
 
 DrawnButtons::DrawnButtons(const Connection& connection, const WindowTracker& tracker, double scale, std::string file,
-                           EffectHandler onEffect)
+                           LayoutQuestion hasUsualLayout, EffectHandler onEffect)
     : connection_(connection),
       tracker_(tracker),
       scale_(static_cast<int>(std::lround(scale * 100))),
       file_(std::move(file)),
       idleTime_(connection),
+      hasUsualLayout_(std::move(hasUsualLayout)),
       onEffect_(std::move(onEffect)),
       book_(read(file_)) {}
 
@@ -72,7 +74,7 @@ std::string DrawnButtons::sourceOf(const Window& window, ButtonRole role) const 
   const ButtonEvidence* evidence = kind ? book_.evidence(*kind) : nullptr;
   const int seen = evidence == nullptr ? 0 : evidence->seen(role);
   const int needed = ButtonEvidence::needed(role);
-  if (evidence != nullptr && evidence->has(role)) return "learned";
+  if (evidence != nullptr && evidence->has(role)) return book_.isShipped(*kind, role) ? "shipped" : "learned";
   if (seen == 0) return "not known yet";
   if (seen >= needed) return "not known: clicks have shown it in places that do not agree";
   return "still learning, " + std::to_string(seen) + " of " + std::to_string(needed);
@@ -93,7 +95,22 @@ std::size_t DrawnButtons::forget(std::string_view painter) {
     hasNews_ = hasNews_ || count > 0;
   }
   store();
+  for (const Window& window : tracker_.windows()) ship(window);
   return count;
+}
+
+void DrawnButtons::ship(const Window& window) {
+  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
+  if (!kind) return;
+  const auto shipped = shippedWith(*kind);
+  if (shipped.empty()) return;
+  {
+    const ns::LockGuard guard(lock_);
+    if (book_.hasShipped(*kind)) return;
+  }
+  if (!hasUsualLayout_()) return;
+  const ns::LockGuard guard(lock_);
+  for (const auto& [one, presses] : shipped) book_.ship(one, presses);
 }
 
 void DrawnButtons::passedOn(const std::optional<Window>& window, CGPoint position) {
@@ -119,6 +136,10 @@ void DrawnButtons::handleEvent(const xcb_generic_event_t& event) {
 
 void DrawnButtons::changed(WindowChange change, const Window& window) {
   store();  // of the last press, which could not wait for it
+  // Not at every change: a window that has its buttons elsewhere would be asked about again and again.
+  if (change == WindowChange::Present || change == WindowChange::Added || change == WindowChange::Activated) {
+    ship(window);
+  }
   const auto now = change == WindowChange::Removed ? std::nullopt : std::optional(window);
   {
     const ns::LockGuard guard(lock_);

@@ -19,6 +19,9 @@ namespace x11 {
 /// Follows presses and what becomes of windows. No question is put to anybody while a press waits for its answer.
 class DrawnButtons {
  public:
+  /// Whether programs that draw their own title bar have its buttons in the usual order now. Called on the tracker's
+  /// thread or that of forget(), without a lock, and may wait.
+  using LayoutQuestion = std::function<bool()>;
   /// A press that was passed on, because its button was not known, has had its native effect: minimise or zoom. Called
   /// on the tracker's thread, without a lock.
   using EffectHandler = std::function<void(const PassedPress& press, ButtonRole role)>;
@@ -26,7 +29,7 @@ class DrawnButtons {
   /// References are lent. `connection` is asked questions; its events are left alone. `scale`: how many pixels
   /// make a point. `file` is where what is learned lasts, and is read now; empty for nowhere.
   DrawnButtons(const Connection& connection, const WindowTracker& tracker, double scale, std::string file,
-               EffectHandler onEffect);
+               LayoutQuestion hasUsualLayout, EffectHandler onEffect);
   /// Stores what is not stored yet.
   ~DrawnButtons();
   DrawnButtons(const DrawnButtons&) = delete;
@@ -38,12 +41,14 @@ class DrawnButtons {
   /// Whether it is known where that window has this button. From memory; any thread.
   bool has(const Window& window, ButtonRole role) const;
 
-  /// Where it is known from, in words for the person: "learned", or how much is missing. From memory; any thread.
+  /// Where it is known from, in words for the person: "shipped", "learned", or how much is missing. From memory; any
+  /// thread.
   std::string sourceOf(const Window& window, ButtonRole role) const;
   /// Whose title bars have been learned, in words for the person. Any thread.
   std::string summary() const;
 
-  /// Forgets what was learned of one painter's title bars, of all when it is empty, and stores that. How many kinds it
+  /// Forgets what was learned of one painter's title bars, of all when it is empty, and stores that; what is shipped
+  /// counts again. How many kinds it
   /// was. Waits for the disk; any thread.
   std::size_t forget(std::string_view painter);
 
@@ -56,6 +61,8 @@ class DrawnButtons {
   void handleEvent(const xcb_generic_event_t& event);
 
  private:
+  /// Takes what is known beforehand about a window's title bar.
+  void ship(const Window& window);
   void learn(const Outcome& outcome);
   /// Waits for the disk, so never while a press waits for its answer.
   void store();
@@ -66,6 +73,7 @@ class DrawnButtons {
   const int scale_;
   const std::string file_;
   const IdleTime idleTime_;
+  const LayoutQuestion hasUsualLayout_;
   const EffectHandler onEffect_;
   /// Held while the disk is written, so that nothing older is written over anything newer. Taken before the other.
   ns::Lock diskLock_;
