@@ -40,7 +40,17 @@ std::string openboxConfiguration() {
 
 }  // namespace
 
-std::string name(WindowManager windowManager) { return windowManager == WindowManager::Openbox ? "openbox" : "xfwm4"; }
+std::string name(WindowManager windowManager) {
+  switch (windowManager) {
+    case WindowManager::Openbox:
+      return "openbox";
+    case WindowManager::Xfwm4:
+      return "xfwm4";
+    case WindowManager::Metacity:
+      break;
+  }
+  return "metacity";
+}
 
 DesktopSession::DesktopSession(WindowManager windowManager, int width, int height)
     : windowManager_(windowManager),
@@ -56,6 +66,13 @@ DesktopSession::DesktopSession(WindowManager windowManager, int width, int heigh
     environment_.push_back("XDG_" + kind + "=" + folder);
   }
   home_.write("CONFIG_HOME/openbox/rc.xml", openboxConfiguration());
+  if (windowManager == WindowManager::Metacity) {
+    // Settings that every process of the session shares, and that a test can change. From the start metacity's title
+    // bars have no button but the one for closing.
+    std::replace(environment_.begin(), environment_.end(), std::string("GSETTINGS_BACKEND=memory"),
+                 std::string("GSETTINGS_BACKEND=keyfile"));
+    arrangeTitleBars("menu:minimize,maximize,close");
+  }
   bus_ = std::make_unique<support::ChildProcess>(
       Arguments{"sh", "-c", "exec dbus-daemon --session --nofork --nosyslog --print-address=1 2>/dev/null"},
       environment_);
@@ -145,6 +162,12 @@ void DesktopSession::setMonitors(const std::vector<Monitor>& monitors) {
         {"xrandr", "--setmonitor", (first ? "*" : "") + monitor.name, geometry.str(), first ? "screen" : "none"});
     if (result.status != 0) throw std::runtime_error("no second monitor: " + result.output);
   }
+}
+
+void DesktopSession::arrangeTitleBars(const std::string& layout) {
+  const std::string folder = "CONFIG_HOME/glib-2.0/settings/";
+  home_.write(folder + "next", "[org/gnome/desktop/wm/preferences]\nbutton-layout='" + layout + "'\n");
+  std::filesystem::rename(home_ / (folder + "next"), home_ / (folder + "keyfile"));
 }
 
 void DesktopSession::writePreferences(const std::string& object) {

@@ -13,7 +13,7 @@
 
 namespace desktoptest {
 
-enum class WindowManager { Openbox, Xfwm4 };
+enum class WindowManager { Openbox, Xfwm4, Metacity };
 std::string name(WindowManager windowManager);
 
 enum class Button { Minimise, Zoom, Close };
@@ -47,6 +47,8 @@ class DesktopSession {
   /// Starts the window manager, in place of one that runs.
   void restartWindowManager();
   void stopServer() { server_.reset(); }
+  /// Changes metacity's setting of the buttons in title bars.
+  void arrangeTitleBars(const std::string& layout);
   /// Starts a panel.
   void startPanel(const Arguments& arguments) { panel_ = start(arguments, "panel.log"); }
   void stopPanel() { panel_.reset(); }

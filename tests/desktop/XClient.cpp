@@ -85,6 +85,16 @@ std::optional<Frame> XClient::frame(Window window) {
   return result;
 }
 
+std::vector<std::uint8_t> XClient::picture(const Frame& place) {
+  const auto reply = connection_.reply(
+      xcb_get_image_reply, xcb_get_image(c_, XCB_IMAGE_FORMAT_Z_PIXMAP, root(), static_cast<std::int16_t>(place.x),
+                                         static_cast<std::int16_t>(place.y), static_cast<std::uint16_t>(place.width),
+                                         static_cast<std::uint16_t>(place.height), ~std::uint32_t{}));
+  if (!reply) return {};
+  const std::uint8_t* bytes = xcb_get_image_data(reply.get());
+  return {bytes, bytes + xcb_get_image_data_length(reply.get())};
+}
+
 bool XClient::fits(Window window, const Frame& wanted) {
   const auto now = frame(window);
   if (!now || now->x != wanted.x || now->y != wanted.y) return false;

@@ -61,6 +61,8 @@ class XClient {
   /// The window's own rectangle in root coordinates.
   std::optional<Frame> rectangle(Window window);
   std::optional<Frame> frame(Window window);
+  /// What is on the screen there.
+  std::vector<std::uint8_t> picture(const Frame& place);
   /// Whether the window has this frame, as far as its size increments allow: it may be smaller by less than one.
   bool fits(Window window, const Frame& wanted);
   /// Whether the application, not the window manager, draws the title bar.

@@ -20,6 +20,7 @@ constexpr std::pair<xcb_atom_t Atoms::*, std::string_view> names[] = {
     {&Atoms::netFrameExtents, "_NET_FRAME_EXTENTS"},
     {&Atoms::netMoveresizeWindow, "_NET_MOVERESIZE_WINDOW"},
     {&Atoms::netSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK"},
+    {&Atoms::netWmActionClose, "_NET_WM_ACTION_CLOSE"},
     {&Atoms::netWmActionMaximizeHorz, "_NET_WM_ACTION_MAXIMIZE_HORZ"},
     {&Atoms::netWmActionMaximizeVert, "_NET_WM_ACTION_MAXIMIZE_VERT"},
     {&Atoms::netWmActionMinimize, "_NET_WM_ACTION_MINIMIZE"},

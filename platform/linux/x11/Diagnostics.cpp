@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/WindowManagers/Decoration.h"
 #include "platform/linux/x11/WindowManagers/WindowManager.h"
 
 namespace x11 {
@@ -31,7 +32,10 @@ std::string windowManagerName(Connection& connection) {
 }
 
 std::string howButtonsAreFound(const std::string& manager) {
-  const std::string first = windowManagerNamed(manager) != nullptr ? "the window manager's button windows; " : "";
+  const std::string first = windowManagerNamed(manager) != nullptr ? "the window manager's button windows; "
+                            : drawnDecorationOf(manager) != nullptr
+                                ? "the window manager's theme, if it is a usual one; "
+                                : "";
   return first + "GTK's own by AT-SPI; all others learned from clicks";
 }
 

@@ -145,6 +145,7 @@ WindowProperties PropertiesRequest::receive() {
     properties.minimizeIsAllowed = contains(actions, atoms_.netWmActionMinimize);
     properties.maximizeIsAllowed =
         contains(actions, atoms_.netWmActionMaximizeHorz) && contains(actions, atoms_.netWmActionMaximizeVert);
+    properties.closeIsAllowed = contains(actions, atoms_.netWmActionClose);
   }
   const std::string names = propertyText(receiveProperty(connection_, class_));
   const std::size_t end = std::min(names.find('\0'), names.size());

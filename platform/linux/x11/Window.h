@@ -54,6 +54,7 @@ struct WindowProperties {
   /// None when the window manager does not tell.
   std::optional<bool> minimizeIsAllowed;
   std::optional<bool> maximizeIsAllowed;
+  std::optional<bool> closeIsAllowed;
   std::string windowInstance;
   std::string windowClass;
   std::string gtkApplicationId;

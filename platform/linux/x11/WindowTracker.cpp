@@ -201,8 +201,11 @@ void WindowTracker::refreshWindowManager() {
     }
   }
   checkWindow_ = window;
-  const ns::LockGuard guard(lock_);
-  windowManager_ = std::move(manager);
+  {
+    const ns::LockGuard guard(lock_);
+    if (std::exchange(windowManager_, manager) == manager) return;
+  }
+  if (windowManagerObserver_) windowManagerObserver_(manager);
 }
 
 void WindowTracker::refreshClients() {

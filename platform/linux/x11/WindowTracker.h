@@ -38,6 +38,8 @@ class WindowTracker {
   using EventObserver = std::function<void(const xcb_generic_event_t&)>;
   /// Called on the tracker's thread, without its lock, when another workspace has been entered.
   using WorkspaceObserver = std::function<void(std::uint32_t workspace)>;
+  /// Called on the tracker's thread, without its lock, when another window manager runs, or none.
+  using WindowManagerObserver = std::function<void(const RunningWindowManager&)>;
   /// Called on the tracker's thread, which ends afterwards, when the X server has gone.
   using LossHandler = std::function<void()>;
 
@@ -51,6 +53,7 @@ class WindowTracker {
   void observe(Observer observer) { observers_.push_back(std::move(observer)); }
   void observeEvents(EventObserver observer) { eventObserver_ = std::move(observer); }
   void observeWorkspace(WorkspaceObserver observer) { workspaceObserver_ = std::move(observer); }
+  void observeWindowManager(WindowManagerObserver observer) { windowManagerObserver_ = std::move(observer); }
   void onLoss(LossHandler handler) { lossHandler_ = std::move(handler); }
   /// Reads the desktop as it is now, reporting its windows to the observers on this thread, and then follows it.
   void start();
@@ -87,6 +90,7 @@ class WindowTracker {
   std::vector<Observer> observers_;
   EventObserver eventObserver_;
   WorkspaceObserver workspaceObserver_;
+  WindowManagerObserver windowManagerObserver_;
   LossHandler lossHandler_;
   Wakeup stop_;
   std::thread thread_;

@@ -71,6 +71,7 @@ X11Desktop::X11Desktop(Connections connections, double scale, std::function<void
     displays_.handleEvent(event);
     drawnButtons_.handleEvent(event);
   });
+  tracker_.observeWindowManager([this](const RunningWindowManager& running) { drawnButtons_.follow(running); });
   tracker_.onLoss(std::move(onLoss));
   tracker_.start();
 }

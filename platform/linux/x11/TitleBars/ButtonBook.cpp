@@ -55,13 +55,16 @@ std::optional<TitleBarKind> kindFrom(const Json& json) {
   const auto bottom = number(*extents, "bottom");
   if (!state || !scale || *scale == 0 || !left || !right || !top || !bottom) return std::nullopt;
   const auto isTrue = [&json](const char* key) { return json.value(key, Json()) == true; };
+  const Json look = json.value("look", Json(""));
+  if (!look.is_string() || look.get_ref<const std::string&>().size() > longestName) return std::nullopt;
   TitleBarKind kind{painter->get<std::string>(),
                     {*left, *right, *top, *bottom},
                     *state,
                     isTrue("minimizes"),
                     isTrue("maximizes"),
                     isTrue("isDialog"),
-                    *scale};
+                    *scale,
+                    look.get<std::string>()};
   return kind.painter.empty() || kind.painter.size() > longestName ? std::nullopt : std::optional(kind);
 }
 
@@ -125,6 +128,7 @@ std::string ButtonBook::text() const {
                          {"maximizes", kind.maximizes},
                          {"isDialog", kind.isDialog},
                          {"scale", kind.scale},
+                         {"look", kind.look},
                          {"wasShipped", page->second.wasShipped},
                          {"presses", presses}});
   }

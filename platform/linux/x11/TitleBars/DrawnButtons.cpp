@@ -32,6 +32,10 @@ ButtonBook read(const std::string& file) {
   return {};
 }
 
+bool isAmong(const std::vector<StoredButton>& buttons, ButtonRole role) {
+  return std::any_of(buttons.begin(), buttons.end(), [role](const StoredButton& one) { return one.role == role; });
+}
+
 }  // namespace
 
 DrawnButtons::DrawnButtons(const Connection& connection, const WindowTracker& tracker, double scale, std::string file,
@@ -50,26 +54,40 @@ DrawnButtons::~DrawnButtons() { store(); }
 std::optional<ButtonRole> DrawnButtons::roleAt(const Window& window, CGPoint position) const {
   const auto spot = spotOf(window, position, scale_);
   if (!spot) return std::nullopt;
-  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
+  const auto kind = kindOf(window);
   if (!kind) return std::nullopt;
+  const auto roleIn = [&](const std::vector<StoredButton>& buttons) {
+    const auto found = std::find_if(buttons.begin(), buttons.end(), [&](const StoredButton& button) {
+      return button.contains(*spot, rim * scale_ / 100);
+    });
+    return found == buttons.end() ? std::nullopt : std::optional(found->role);
+  };
+  const auto known = known_.buttons(window, *kind);
+  if (const auto role = roleIn(known)) return role;
   const ns::LockGuard guard(lock_);
   const ButtonEvidence* evidence = book_.evidence(*kind);
-  if (evidence == nullptr) return std::nullopt;
-  for (const StoredButton& button : evidence->buttons()) {
-    if (button.contains(*spot, rim * scale_ / 100)) return button.role;
-  }
-  return std::nullopt;
+  const auto learned = evidence == nullptr ? std::nullopt : roleIn(evidence->buttons());
+  return learned && !isAmong(known, *learned) ? learned : std::nullopt;
+}
+
+std::optional<TitleBarKind> DrawnButtons::kindOf(const Window& window) const {
+  auto kind = x11::kindOf(window, tracker_.windowManager().name, scale_);
+  if (kind && !window.drawsItsTitleBar()) kind->look = known_.look();
+  return kind;
 }
 
 bool DrawnButtons::has(const Window& window, ButtonRole role) const {
-  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
+  const auto kind = kindOf(window);
+  if (!kind) return false;
+  if (isAmong(known_.buttons(window, *kind), role)) return true;
   const ns::LockGuard guard(lock_);
-  const ButtonEvidence* evidence = kind ? book_.evidence(*kind) : nullptr;
+  const ButtonEvidence* evidence = book_.evidence(*kind);
   return evidence != nullptr && evidence->has(role);
 }
 
 std::string DrawnButtons::sourceOf(const Window& window, ButtonRole role) const {
-  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
+  const auto kind = kindOf(window);
+  if (kind && isAmong(known_.buttons(window, *kind), role)) return "known decoration";
   const ns::LockGuard guard(lock_);
   const ButtonEvidence* evidence = kind ? book_.evidence(*kind) : nullptr;
   const int seen = evidence == nullptr ? 0 : evidence->seen(role);
@@ -100,7 +118,7 @@ std::size_t DrawnButtons::forget(std::string_view painter) {
 }
 
 void DrawnButtons::ship(const Window& window) {
-  const auto kind = kindOf(window, tracker_.windowManager().name, scale_);
+  const auto kind = kindOf(window);
   if (!kind) return;
   const auto shipped = shippedWith(*kind);
   if (shipped.empty()) return;
@@ -115,7 +133,7 @@ void DrawnButtons::ship(const Window& window) {
 
 void DrawnButtons::passedOn(const std::optional<Window>& window, CGPoint position) {
   const auto spot = window ? spotOf(*window, position, scale_) : std::nullopt;
-  const auto kind = spot ? kindOf(*window, tracker_.windowManager().name, scale_) : std::nullopt;
+  const auto kind = spot ? kindOf(*window) : std::nullopt;
   std::optional<Outcome> outcome;
   {
     const ns::LockGuard guard(lock_);

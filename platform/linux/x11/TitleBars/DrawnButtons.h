@@ -1,5 +1,5 @@
-// Title-bar buttons that nobody describes: neither windows of their own nor known to assistive technology. What presses
-// did tells where they are.
+// Title-bar buttons that nobody describes: neither windows of their own nor known to assistive technology. Where the
+// window manager's theme is known they are, too; of all others what presses did tells where they are.
 #pragma once
 
 #include <functional>
@@ -11,6 +11,7 @@
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/TitleBars/ButtonBook.h"
 #include "platform/linux/x11/TitleBars/IdleTime.h"
+#include "platform/linux/x11/TitleBars/KnownDecorations.h"
 #include "platform/linux/x11/TitleBars/PressWatch.h"
 #include "platform/linux/x11/WindowTracker.h"
 
@@ -41,8 +42,8 @@ class DrawnButtons {
   /// Whether it is known where that window has this button. From memory; any thread.
   bool has(const Window& window, ButtonRole role) const;
 
-  /// Where it is known from, in words for the person: "shipped", "learned", or how much is missing. From memory; any
-  /// thread.
+  /// Where it is known from, in words for the person: "known decoration", "shipped", "learned", or how much is missing.
+  /// From memory; any thread.
   std::string sourceOf(const Window& window, ButtonRole role) const;
   /// Whose title bars have been learned, in words for the person. Any thread.
   std::string summary() const;
@@ -57,10 +58,12 @@ class DrawnButtons {
   void passedOn(const std::optional<Window>& window, CGPoint position);
 
   /// The tracker's observers.
+  void follow(const RunningWindowManager& running) { known_.follow(running.name); }
   void changed(WindowChange change, const Window& window);
   void handleEvent(const xcb_generic_event_t& event);
 
  private:
+  std::optional<TitleBarKind> kindOf(const Window& window) const;
   /// Takes what is known beforehand about a window's title bar.
   void ship(const Window& window);
   void learn(const Outcome& outcome);
@@ -75,6 +78,7 @@ class DrawnButtons {
   const IdleTime idleTime_;
   const LayoutQuestion hasUsualLayout_;
   const EffectHandler onEffect_;
+  KnownDecorations known_;
   /// Held while the disk is written, so that nothing older is written over anything newer. Taken before the other.
   ns::Lock diskLock_;
   mutable ns::Lock lock_;

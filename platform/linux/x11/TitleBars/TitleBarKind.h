@@ -25,6 +25,8 @@ struct TitleBarKind {
   bool isDialog = false;
   /// Pixels for a hundred points.
   int scale = 100;
+  /// The theme and the layout that the painter is known to have; empty when that is not known.
+  std::string look{};
   auto operator<=>(const TitleBarKind&) const = default;
 };
 
