@@ -25,6 +25,8 @@ class Backing {
   virtual CGRect frame() = 0;
   /// From the upper edge of the window to the middle of its buttons.
   virtual double buttonHeight() = 0;
+  /// Whether the windows of a hidden application are minimized, as X11 has nothing else for it.
+  virtual bool minimizesToHide() const { return false; }
   /// With the left button.
   virtual void click(CGPoint place) = 0;
   /// Lets the main queue go on until `holds`; false when it does not within a bound.

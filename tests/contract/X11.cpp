@@ -44,6 +44,7 @@ class X11Backing final : public contract::Backing {
     return CGRectMake(frame.x, frame.y, frame.width, frame.height);
   }
   double buttonHeight() override { return buttonHeight_; }
+  bool minimizesToHide() const override { return true; }
   void click(CGPoint place) override { x_.click({static_cast<int>(place.x), static_cast<int>(place.y)}); }
   bool waitFor(const std::function<bool()>& holds) override {
     const auto deadline = std::chrono::steady_clock::now() + support::patience;
