@@ -59,12 +59,20 @@ void StackView::addArrangedSubview(const std::shared_ptr<View>& view) {
 const std::vector<std::shared_ptr<View>>& StackView::arrangedSubviews() const { return subviews(); }
 
 ScrollView::ScrollView() : View(makeScrollNative()) {
-  scrollNative(*this).clip = std::make_shared<ClipView>(static_cast<NSScrollView*>(native().view).contentView);
+  auto& scroll = scrollNative(*this);
+  scroll.clip = std::make_shared<ClipView>(static_cast<NSScrollView*>(scroll.view).contentView);
+  // The scroll view has it already.
+  scroll.subviews.push_back(scroll.clip);
+  scroll.clip->native().superview = this;
 }
 
 void ScrollView::setDocumentView(const std::shared_ptr<View>& document) {
-  scrollNative(*this).document = document;
-  static_cast<NSScrollView*>(native().view).documentView = document->native().view;
+  auto& scroll = scrollNative(*this);
+  if (scroll.document) scroll.document->removeFromSuperview();
+  scroll.document = document;
+  scroll.clip->native().subviews = {document};
+  document->native().superview = scroll.clip.get();
+  static_cast<NSScrollView*>(scroll.view).documentView = document->native().view;
 }
 std::shared_ptr<View> ScrollView::documentView() const { return scrollNative(*this).document; }
 View& ScrollView::contentView() const { return *scrollNative(*this).clip; }

@@ -16,9 +16,9 @@
 #include <variant>
 #include <vector>
 
+#include "platform/ApplicationServices.h"
 #include "platform/Diagnostics.h"
 #include "platform/PropertyList.h"
-#include "platform/portable/ApplicationServices.h"
 
 namespace desktop {
 

@@ -98,6 +98,15 @@ TEST_F(ShellTest, WindowDoesNotKeepItsController) {
   EXPECT_TRUE(weak.expired());
 }
 
+TEST_F(ShellTest, EveryIconHasADrawing) {
+  controller->addExcludedApp({"gone", "Gone"});
+  for (const auto tab : ostrel::allTabs) {
+    present(tab);
+    EXPECT_FALSE(allOf<ns::ImageView>(document()).empty());
+    for (auto* const view : allOf<ns::ImageView>(root())) EXPECT_NE(view->image(), nullptr);
+  }
+}
+
 TEST_F(ShellTest, LinkOpensTheWebSiteItNames) {
   present(Tab::About);
   auto& link = *allOf<ns::Button>(document()).at(0);

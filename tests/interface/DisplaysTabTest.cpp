@@ -1,13 +1,7 @@
-#include <QCoreApplication>
-#include <QFocusEvent>
-#include <QLineEdit>
-#include <QMenu>
-#include <QTest>
 #include <algorithm>
 
-#include "platform/linux/qt/ViewNative.h"
-#include "platform/linux/qt/ViewWidget.h"
 #include "tests/interface/Fixture.h"
+#include "tests/interface/Person.h"
 
 using ostrel::Tab;
 using ostrel::WindowMargins;
@@ -38,20 +32,8 @@ class DisplaysTabTest : public SettingsTest {
   ns::PopUpButton& popUp() { return *controlInRow<ns::PopUpButton>(document(), "Choose display"); }
   ns::Button& reset() { return *buttonSaying(document(), "Reset margins for this display"); }
 
-  /// Types over what the field shows, then presses Return.
-  void enter(const std::string& edge, const char* text) {
-    auto* const editor = field(edge).native().widget->findChild<QLineEdit*>();
-    editor->selectAll();
-    QTest::keyClick(editor, Qt::Key_Delete);
-    QTest::keyClicks(editor, text);
-    QTest::keyClick(editor, Qt::Key_Return);
-  }
-  void choose(std::size_t index) {
-    popUp().performClick();
-    auto* const menu = popUp().native().widget->findChild<QMenu*>();
-    menu->actions().at(static_cast<qsizetype>(index))->trigger();
-    delete menu;
-  }
+  void enter(const std::string& edge, const std::string& text) { person::enter(field(edge), text); }
+  void choose(std::size_t index) { person::choose(popUp(), index); }
   WindowMargins shown() {
     return {field("Top").doubleValue(), field("Left").doubleValue(), field("Right").doubleValue(),
             field("Bottom").doubleValue()};
@@ -111,36 +93,22 @@ TEST_F(DisplaysTabTest, FieldRefusesWhatIsNoWholeNumberUpToAThousand) {
 
 TEST_F(DisplaysTabTest, LeavingAnEditedFieldStoresIt) {
   presentDisplays();
-  auto* const editor = field("Top").native().widget->findChild<QLineEdit*>();
-  editor->selectAll();
-  QTest::keyClicks(editor, "21");
+  person::type(field("Top"), "21");
   EXPECT_EQ(controller->margins(1).top, 56);
-  QFocusEvent leaving(QEvent::FocusOut, Qt::TabFocusReason);
-  QCoreApplication::sendEvent(editor, &leaving);
+  person::leave(field("Top"));
   EXPECT_EQ(controller->margins(1).top, 21);
   EXPECT_EQ(stepper("Top").doubleValue(), 21);
 }
 
 TEST_F(DisplaysTabTest, ClosingTheWindowStoresAnEditedFieldAndNoOther) {
   presentDisplays();
-  auto* const editor = field("Top").native().widget->findChild<QLineEdit*>();
-  editor->setFocus();
+  person::visit(field("Top"));
   settings->window()->close();
   EXPECT_TRUE(desktop.defaults()->user.empty());
-  for (const bool isActive : {true, false}) {
-    presentDisplays();
-    editor->setFocus();
-    editor->selectAll();
-    QTest::keyClicks(editor, isActive ? "21" : "22");
-    QWidget other;
-    if (!isActive) {
-      other.show();
-      other.activateWindow();
-      ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-    }
-    settings->window()->close();
-    EXPECT_EQ(controller->margins(1).top, isActive ? 21 : 22);
-  }
+  presentDisplays();
+  person::type(field("Top"), "21");
+  settings->window()->close();
+  EXPECT_EQ(controller->margins(1).top, 21);
 }
 
 TEST_F(DisplaysTabTest, SteppersStoreAndGoOnAtTheOtherEnd) {
@@ -215,7 +183,7 @@ TEST_F(DisplaysTabTest, EqualDisplaysAreToldApartByTheirIdentifiers) {
   ASSERT_EQ(popUp().numberOfItems(), 3u);
   for (std::size_t index = 0; index < 3; ++index) {
     choose(index);
-    enter("Left", std::to_string(100 + index).c_str());
+    enter("Left", std::to_string(100 + index));
   }
   for (const auto& display : ostrel::activeDisplays()) {
     const auto displays = ostrel::currentDisplayConfiguration().displays;

@@ -39,7 +39,10 @@ Type* controlInRow(ns::View& root, const std::string& title) {
   return allOf<Type>(*view).front();
 }
 
-/// Where a view is, from the top-left corner of `root`.
+/// In points, for all that is centred or follows from the size of a text: a toolkit may put it on whole pixels.
+inline constexpr double rounding = 0.5;
+
+/// Where a view is, from the top-left corner of `root`; as constraints see it.
 CGRect placeIn(ns::View& root, ns::View& view);
 inline double right(const CGRect& rect) { return rect.origin.x + rect.size.width; }
 inline double bottom(const CGRect& rect) { return rect.origin.y + rect.size.height; }

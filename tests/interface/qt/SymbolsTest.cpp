@@ -1,9 +1,11 @@
+#include <gtest/gtest.h>
+
 #include <QIcon>
 #include <QImage>
+#include <algorithm>
 
 #include "platform/linux/qt/ImageNative.h"
 #include "platform/linux/qt/SymbolTable.h"
-#include "tests/interface/Fixture.h"
 
 namespace {
 
@@ -50,17 +52,6 @@ TEST(IconTest, FillsItsSquareWhateverSizesTheThemeHas) {
     EXPECT_EQ(picture.size(), QSize(last + 1, last + 1));
     EXPECT_EQ(picture.pixelColor(0, 0), QColor(Qt::red));
     EXPECT_EQ(picture.pixelColor(last, last), QColor(Qt::red));
-  }
-}
-
-using SymbolUseTest = SettingsTest;
-
-TEST_F(SymbolUseTest, EveryIconOfTheWindowHasADrawing) {
-  controller->addExcludedApp({"gone", "Gone"});
-  for (const auto tab : ostrel::allTabs) {
-    present(tab);
-    EXPECT_FALSE(allOf<ns::ImageView>(document()).empty());
-    for (auto* const view : allOf<ns::ImageView>(root())) EXPECT_NE(view->image(), nullptr);
   }
 }
 

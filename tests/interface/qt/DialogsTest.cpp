@@ -22,7 +22,7 @@
 #include "platform/linux/qt/MessageDialog.h"
 #include "platform/linux/qt/OpenPanel.h"
 #include "platform/linux/qt/Symbols.h"
-#include "tests/interface/DialogsHome.h"
+#include "tests/interface/qt/DialogsHome.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "platform/Application.h"
 #include "platform/linux/qt/Session.h"
-#include "tests/interface/DialogsHome.h"
+#include "tests/interface/qt/DialogsHome.h"
 #include "tests/support/TemporaryFolder.h"
 
 const std::string& dialogs::home() {
