@@ -49,5 +49,5 @@ inline void callBack(const std::function<void()>& function) noexcept {
 /// Carries an action message to a closure.
 @interface OstrelTarget : NSObject
 - (instancetype)initWithAction:(std::function<void()>)action;
-- (void)performAction:(id)sender;
+- (void)callClosure:(id)sender;
 @end

@@ -51,7 +51,7 @@ PropertyList fromPropertyListObject(id object) {
   return self;
 }
 
-- (void)performAction:(id)sender {
+- (void)callClosure:(id)sender {
   // The action may release what holds the closure, this target, and the control, which then still has a press to
   // finish: all of them stay until the run loop's next pass.
   id keptSender = sender;

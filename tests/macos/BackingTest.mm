@@ -40,9 +40,9 @@ TEST(TargetTest, AControlMayBeReleasedByItsOwnAction) {
     }];
     seen = button;
     button.target = target;
-    button.action = @selector(performAction:);
+    button.action = @selector(callClosure:);
     __unsafe_unretained OstrelTarget* const called = target;
-    [called performAction:button];
+    [called callClosure:button];
     EXPECT_TRUE(button == nil);
     EXPECT_TRUE(seen != nil) << "the press that it is in the middle of would go on in something gone";
   }

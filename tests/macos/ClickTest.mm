@@ -1,67 +1,17 @@
 // The finished application on a real desktop: clicks on the window buttons of another process.
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <memory>
 
-#import "tests/macos/Desk.h"
+#import "tests/macos/Target.h"
 
 namespace {
 
+using desk::centered;
+using desk::isAt;
+using desk::Target;
 using desk::waitFor;
-
-// Applications may put a window on whole pixels.
-constexpr double tolerance = 1;
-
-bool isAt(const std::optional<CGRect>& frame, CGRect wanted) {
-  return frame && std::abs(frame->origin.x - wanted.origin.x) <= tolerance &&
-         std::abs(frame->origin.y - wanted.origin.y) <= tolerance &&
-         std::abs(frame->size.width - wanted.size.width) <= tolerance &&
-         std::abs(frame->size.height - wanted.size.height) <= tolerance;
-}
-
-/// An application with one window, and what of the mouse reaches it.
-class Target {
- public:
-  explicit Target(double x = 60, double y = 140, const std::vector<std::string>& more = {})
-      : program_(command(x, y, more)) {
-    EXPECT_TRUE(waitFor([this] { return program_.count("ready") == 1 && !desk::windows(pid()).empty(); }));
-    window_ = desk::windows(pid()).at(0);
-  }
-
-  pid_t pid() const { return program_.pid(); }
-  void signal(int number) const { kill(pid(), number); }
-  std::optional<CGRect> frame() const { return desk::frame(window_.get()); }
-  CGPoint button(CFStringRef name) const { return desk::middleOfButton(window_.get(), name); }
-  void click(CFStringRef name, CGEventFlags flags = 0) const { desk::click(button(name), flags); }
-  bool isThere() const { return !desk::windows(pid()).empty(); }
-  bool isHidden() const { return program_.application().hidden; }
-  int presses() { return program_.count("press"); }
-  /// Presses arrive in order: once one on the content is there, nothing before it is still on its way.
-  void expectNoPressBeforeThisOne() {
-    const CGRect place = frame().value_or(CGRectZero);
-    desk::click(CGPointMake(CGRectGetMidX(place), CGRectGetMidY(place)));
-    EXPECT_TRUE(waitFor([this] { return presses() > 0; }));
-    EXPECT_EQ(presses(), 1) << "the click on the button has reached the application";
-  }
-
- private:
-  static std::vector<std::string> command(double x, double y, const std::vector<std::string>& more) {
-    std::vector<std::string> words{OSTREL_TEST_WINDOW, std::to_string(x), std::to_string(y)};
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
-  }
-
-  desk::Program program_;
-  CFRef<AXUIElementRef> window_;
-};
-
-CGRect centered(CGRect frame) {
-  const CGRect display = CGDisplayBounds(CGMainDisplayID());
-  frame.origin.x = display.origin.x + (display.size.width - frame.size.width) / 2;
-  return frame;
-}
 
 CGRect filled() {
   const CGRect display = CGDisplayBounds(CGMainDisplayID());
@@ -106,15 +56,29 @@ TEST_F(ClickTest, HasOneTapForPressesWhileItRuns) {
   EXPECT_TRUE(waitFor([this] { return desk::tapsOf(ostrel().pid()).empty(); }));
 }
 
-TEST_F(ClickTest, HasAStatusItem) {
+TEST_F(ClickTest, TheStatusItemOpensItsMenu) {
   start();
-  const auto application = CFRef<AXUIElementRef>::adopt(AXUIElementCreateApplication(ostrel().pid()));
-  EXPECT_TRUE(waitFor([&] {
-    const auto bar = desk::attribute(application.get(), CFSTR("AXExtrasMenuBar"));
-    if (!bar) return false;
-    const auto items = desk::attribute(static_cast<AXUIElementRef>(bar.get()), kAXChildrenAttribute);
-    return items && CFArrayGetCount(static_cast<CFArrayRef>(items.get())) == 1;
+  CFRef<AXUIElementRef> item;
+  ASSERT_TRUE(waitFor([&] {
+    item = desk::statusItem(ostrel().pid());
+    return static_cast<bool>(item);
   }));
+  const auto place = desk::frame(item.get()).value();
+  desk::click(CGPointMake(CGRectGetMidX(place), CGRectGetMidY(place)));
+  std::vector<std::string> titles;
+  EXPECT_TRUE(waitFor([&] {
+    titles.clear();
+    for (const auto& menu : desk::children(item.get())) {
+      for (const auto& entry : desk::children(menu.get())) {
+        titles.push_back(desk::text(entry.get(), kAXTitleAttribute));
+      }
+    }
+    return titles.size() == 5;
+  }));
+  EXPECT_EQ(titles, (std::vector<std::string>{"About (v" OSTREL_VERSION ")", "Settings", "Check for Updates…", "",
+                                              "Quit Ostrel"}));
+  if (const char* folder = std::getenv("OSTREL_PICTURES")) desk::takePicture(folder + std::string("/menu.png"));
+  desk::tapKey(desk::escapeKey);
 }
 
 TEST_F(ClickTest, ASecondStartShowsTheSettingsOfTheFirst) {

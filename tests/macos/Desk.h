@@ -43,11 +43,22 @@ class Program {
 CFRef<CFTypeRef> attribute(AXUIElementRef element, CFStringRef name);
 std::vector<CFRef<AXUIElementRef>> windows(pid_t pid);
 std::optional<CGRect> frame(AXUIElementRef element);
+/// Empty for none.
+std::vector<CFRef<AXUIElementRef>> children(AXUIElementRef element);
+/// Empty for none.
+std::string text(AXUIElementRef element, CFStringRef attribute);
+/// The application's item in the menu bar; null while there is none.
+CFRef<AXUIElementRef> statusItem(pid_t pid);
 /// The middle of a window's button: kAXMinimizeButtonAttribute and its like.
 CGPoint middleOfButton(AXUIElementRef window, CFStringRef button);
 
 /// Moves the mouse there, and presses and releases its left button.
 void click(CGPoint place, CGEventFlags flags = 0);
+
+inline constexpr CGKeyCode escapeKey = 53;
+void tapKey(CGKeyCode key);
+/// Of the whole screen, into this file.
+void takePicture(const std::string& path);
 
 /// The event taps of a process, as the window server knows them.
 std::vector<CGEventTapInformation> tapsOf(pid_t pid);

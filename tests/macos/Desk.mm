@@ -69,16 +69,38 @@ CFRef<CFTypeRef> attribute(AXUIElementRef element, CFStringRef name) {
   return CFRef<CFTypeRef>::adopt(value);
 }
 
-std::vector<CFRef<AXUIElementRef>> windows(pid_t pid) {
+namespace {
+
+std::vector<CFRef<AXUIElementRef>> elements(AXUIElementRef element, CFStringRef name) {
   std::vector<CFRef<AXUIElementRef>> found;
-  const auto application = CFRef<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid));
-  const auto list = attribute(application.get(), kAXWindowsAttribute);
+  const auto list = attribute(element, name);
   if (!list || CFGetTypeID(list.get()) != CFArrayGetTypeID()) return found;
   const auto array = static_cast<CFArrayRef>(list.get());
   for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
     found.push_back(CFRef<AXUIElementRef>::retain(static_cast<AXUIElementRef>(CFArrayGetValueAtIndex(array, i))));
   }
   return found;
+}
+
+}  // namespace
+
+std::vector<CFRef<AXUIElementRef>> windows(pid_t pid) {
+  return elements(CFRef<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid)).get(), kAXWindowsAttribute);
+}
+
+std::vector<CFRef<AXUIElementRef>> children(AXUIElementRef element) { return elements(element, kAXChildrenAttribute); }
+
+std::string text(AXUIElementRef element, CFStringRef name) {
+  const auto value = attribute(element, name);
+  if (!value || CFGetTypeID(value.get()) != CFStringGetTypeID()) return {};
+  return ((__bridge NSString*)value.get()).UTF8String;
+}
+
+CFRef<AXUIElementRef> statusItem(pid_t pid) {
+  const auto application = CFRef<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid));
+  const auto bar = attribute(application.get(), CFSTR("AXExtrasMenuBar"));
+  const auto items = bar ? children(static_cast<AXUIElementRef>(bar.get())) : std::vector<CFRef<AXUIElementRef>>{};
+  return items.size() == 1 ? items[0] : CFRef<AXUIElementRef>{};
 }
 
 std::optional<CGRect> frame(AXUIElementRef element) {
@@ -105,6 +127,19 @@ void click(CGPoint place, CGEventFlags flags) {
     CGEventSetFlags(event.get(), flags);
     CGEventPost(kCGHIDEventTap, event.get());
   }
+}
+
+void tapKey(CGKeyCode key) {
+  for (const bool isDown : {true, false}) {
+    CGEventPost(kCGHIDEventTap, CFRef<CGEventRef>::adopt(CGEventCreateKeyboardEvent(nullptr, key, isDown)).get());
+  }
+}
+
+void takePicture(const std::string& path) {
+  NSTask* camera = [[NSTask alloc] init];
+  camera.executableURL = [NSURL fileURLWithPath:@"/usr/sbin/screencapture"];
+  camera.arguments = @[ @"-x", @(path.c_str()) ];
+  if ([camera launchAndReturnError:nil]) [camera waitUntilExit];
 }
 
 std::vector<CGEventTapInformation> tapsOf(pid_t pid) {
