@@ -249,17 +249,14 @@ TEST_F(ElementsTest, ATapHearsOfClicksAndSwallowsThem) {
       CFRef<CFRunLoopSourceRef>::adopt(CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap.get(), 0));
   ASSERT_TRUE(source);
   CFRunLoopAddSource(CFRunLoopGetMain(), source.get(), kCFRunLoopCommonModes);
-  CGEventTapEnable(tap.get(), true);
-  EXPECT_TRUE(CGEventTapIsEnabled(tap.get()));
+  for (const bool enable : {true, false, true}) {
+    CGEventTapEnable(tap.get(), enable);
+    EXPECT_EQ(static_cast<bool>(CGEventTapIsEnabled(tap.get())), enable);
+  }
   backing.click(minimize);
   ASSERT_TRUE(backing.waitFor([&] { return told.places.size() == 1; }));
   EXPECT_NEAR(told.places[0].x, minimize.x, 1);
   EXPECT_NEAR(told.places[0].y, minimize.y, 1);
-
-  for (const bool enable : {false, true}) {
-    CGEventTapEnable(tap.get(), enable);
-    EXPECT_EQ(static_cast<bool>(CGEventTapIsEnabled(tap.get())), enable);
-  }
   backing.click(zoom);
   ASSERT_TRUE(backing.waitFor([&] { return told.places.size() == 2; }));
   EXPECT_NEAR(told.places[1].x, zoom.x, 1);

@@ -45,7 +45,11 @@ class X11Backing final : public contract::Backing {
   }
   double buttonHeight() override { return buttonHeight_; }
   bool minimizesToHide() const override { return true; }
-  void click(CGPoint place) override { x_.click({static_cast<int>(place.x), static_cast<int>(place.y)}); }
+  /// No sooner than the last click has gone wherever it goes: no person is that fast.
+  void click(CGPoint place) override {
+    if (!waitFor([this] { return x_.isPointerFree(); })) throw std::runtime_error("the pointer is held");
+    x_.click({static_cast<int>(place.x), static_cast<int>(place.y)});
+  }
   bool waitFor(const std::function<bool()>& holds) override {
     const auto deadline = std::chrono::steady_clock::now() + support::patience;
     while (!holds()) {
