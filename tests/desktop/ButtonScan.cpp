@@ -31,7 +31,11 @@ class Scan {
                         XCB_ATOM_ATOM, 32, 1, &close);
     xcb_map_window(connection_->get(), window_);
     connection_->flush();
-    if (!x_.waitUntil([&] { return x_.property(window_, "_NET_FRAME_EXTENTS").size() == 4; })) {
+    const auto isDecorated = [&] {
+      const auto extents = x_.property(window_, "_NET_FRAME_EXTENTS");
+      return extents.size() == 4 && extents[2] > 0;
+    };
+    if (!x_.waitUntil(isDecorated)) {
       throw std::runtime_error("the window manager tells no extents");
     }
   }

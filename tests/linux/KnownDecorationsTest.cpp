@@ -35,6 +35,45 @@ TEST(ColonLayout, SaysWhatStandsFromTheCornersInwards) {
   }
 }
 
+/// What a running kwin tells, shortened.
+std::string kwinInformation(const std::string& left, const std::string& right, const std::string& plugin) {
+  return "KWin Support Information:\n\nDecoration\n==========\nPlugin: " + plugin +
+         "\nTheme: \nborderSize: 0\ndecorationButtonsLeft: " + left + "\ndecorationButtonsRight: " + right +
+         "\ngridUnit: 10\nfont: Noto Sans,10,-1,5,50,0,0,0,0,0\nsmallSpacing: 2\n\nOptions\n=======\nPlugin: none\n";
+}
+
+TEST(KWin, HasTheLayoutThatItTellsAndNoOtherInItsFile) {
+  const auto plain = kwinInformation("0, 2", "6, 3, 4, 5", "org.kde.breeze");
+  struct Case {
+    const char* what;
+    std::string information;
+    const char* configuration;
+    const char* breeze;
+    std::optional<ButtonLayout> layout;
+  };
+  const ButtonLayout usual{{unknown, unknown}, {close, zoom, minimize, unknown}};
+  for (const auto& [what, information, configuration, breeze, layout] : {
+           Case{"as installed", plain, "", "", usual},
+           Case{"left", kwinInformation("5, 3, 4", "", "org.kde.breeze"), "", "",
+                ButtonLayout{{close, minimize, zoom}, {}}},
+           Case{"agreed", plain, "[org.kde.kdecoration2]\nButtonsOnRight=HIAX\nButtonsOnLeft=MS\n", "", usual},
+           Case{"other group", plain, "[Else]\nButtonsOnRight=X\n", "[Common]\nButtonSize=ButtonSmall\n", usual},
+           Case{"not taken up yet", plain, "[org.kde.kdecoration2]\nButtonsOnRight=HAIX\n", "", std::nullopt},
+           Case{"twice", kwinInformation("5", "3, 5", "org.kde.breeze"), "", "", std::nullopt},
+           Case{"unheard of", kwinInformation("", "12, 5, x", "org.kde.breeze"), "", "",
+                ButtonLayout{{}, {unknown, close, unknown}}},
+           Case{"another plugin", kwinInformation("", "3, 4, 5", "org.kde.oxygen"), "", "", std::nullopt},
+           Case{"smaller buttons", plain, "", "[Windeco]\nButtonSize=ButtonSmall\n", std::nullopt},
+           Case{"no number", plain.substr(0, plain.find("smallSpacing")) + "smallSpacing: 2x\n", "", "", std::nullopt},
+           Case{"nothing", "", "", "", std::nullopt},
+       }) {
+    const auto settings = kwin().settings();
+    const auto decoration =
+        kwin().read({{settings[0], information}, {settings[1], configuration}, {settings[2], breeze}});
+    EXPECT_EQ(decoration ? std::optional(decoration->layout) : std::nullopt, layout) << what;
+  }
+}
+
 class KnownButtons : public testing::Test {
  protected:
   KnownButtons() {
@@ -78,6 +117,19 @@ TEST_F(KnownButtons, StandWhereTheLayoutAndTheWindowHaveThem) {
   EXPECT_EQ(text(buttons(":minimize,maximize,close")), "m right 4; ");
 }
 
+TEST_F(KnownButtons, OfKWinAreAsLargeAsItsFontMakesThem) {
+  const auto decoration = kwin().read({{kwin().settings()[0], kwinInformation("0", "3, 4, 5", "org.kde.breeze")}});
+  ASSERT_TRUE(decoration);
+  for (const int scale : {100, 125}) {
+    window.geometry.decoration = {0, 0, 29, 0};
+    const auto buttons = buttonsOf(*decoration, window, *kindOf(window, "KWin", scale));
+    EXPECT_EQ(text(buttons), "c right 4; z right 28; m right 52; ");
+    EXPECT_EQ(buttons.at(0).width, 20);
+    window.geometry.decoration.top = 33;
+    EXPECT_TRUE(buttonsOf(*decoration, window, *kindOf(window, "KWin", scale)).empty());
+  }
+}
+
 TEST_F(KnownButtons, AreNotKnownWhereAnythingDiffers) {
   const std::string layout = ":minimize,maximize,close";
   const Window usual = window;
@@ -107,7 +159,7 @@ TEST_F(KnownButtons, AreNotKnownWhereAnythingDiffers) {
   EXPECT_TRUE(metacity().read(values));
   values[metacity().settings()[3]] = "headerbar { padding: 0 }";
   EXPECT_FALSE(metacity().read(values)) << "a style of the person's own";
-  for (const char* name : {"Metacity", "Metacity (Marco)", "Mutter", "Mutter (Muffin)"}) {
+  for (const char* name : {"Metacity", "Metacity (Marco)", "Mutter", "Mutter (Muffin)", "KWin"}) {
     const DrawnDecoration* known = drawnDecorationOf(name);
     ASSERT_NE(known, nullptr) << name;
     EXPECT_FALSE(known->read({})) << name;

@@ -21,8 +21,9 @@ ButtonStrip scaled(const ButtonStrip& strip, int factor) {
 
 std::optional<ButtonStrip> stripOf(const Decoration& decoration, const TitleBarKind& kind) {
   for (const ButtonStrip& strip : decoration.strips) {
-    if (strip.state != kind.state || kind.scale % strip.scale != 0) continue;
-    const ButtonStrip fitting = scaled(strip, kind.scale / strip.scale);
+    const bool isAnyScale = strip.scale == ButtonStrip::anyScale;
+    if (strip.state != kind.state || (!isAnyScale && kind.scale % strip.scale != 0)) continue;
+    const ButtonStrip fitting = isAnyScale ? strip : scaled(strip, kind.scale / strip.scale);
     if (fitting.extents == kind.extents) return fitting;
   }
   return std::nullopt;

@@ -36,8 +36,9 @@ struct ButtonStrip {
   int width = 0;
   int height = 0;
   int pitch = 0;
-  /// Pixels for a hundred points.
+  /// Pixels for a hundred points; anyScale where the numbers have been worked out from what the window manager tells.
   int scale = 100;
+  static constexpr int anyScale = 0;
 };
 
 struct Decoration {
@@ -77,6 +78,7 @@ struct DrawnDecoration {
 const DrawnDecoration* drawnDecorationOf(std::string_view name);
 
 // One for each file beside this one.
+const DrawnDecoration& kwin();
 const DrawnDecoration& marco();
 const DrawnDecoration& metacity();
 const DrawnDecoration& muffin();

@@ -23,8 +23,8 @@ constexpr Entry<WindowManager> withButtonWindows[] = {
 };
 
 constexpr Entry<DrawnDecoration> withDrawnButtons[] = {
-    {"Metacity (Marco)", marco}, {"Metacity", metacity},  {"Mutter (Muffin)", muffin},
-    {"Mutter", mutter},          {"GNOME Shell", mutter},
+    {"KWin", kwin},     {"Metacity (Marco)", marco}, {"Metacity", metacity}, {"Mutter (Muffin)", muffin},
+    {"Mutter", mutter}, {"GNOME Shell", mutter},
 };
 
 template <typename Knowledge, std::size_t N>
