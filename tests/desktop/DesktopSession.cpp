@@ -53,6 +53,9 @@ std::string name(WindowManager windowManager) {
 }
 
 DesktopSession::DesktopSession(WindowManager windowManager, int width, int height)
+    : DesktopSession(Arguments{name(windowManager), "--replace"}, width, height) {}
+
+DesktopSession::DesktopSession(const Arguments& windowManager, int width, int height)
     : windowManager_(windowManager),
       server_(std::make_unique<support::XvfbSession>(std::to_string(width) + "x" + std::to_string(height) + "x24")),
       x_(std::make_unique<XClient>()) {
@@ -66,9 +69,9 @@ DesktopSession::DesktopSession(WindowManager windowManager, int width, int heigh
     environment_.push_back("XDG_" + kind + "=" + folder);
   }
   home_.write("CONFIG_HOME/openbox/rc.xml", openboxConfiguration());
-  if (windowManager == WindowManager::Metacity) {
-    // Settings that every process of the session shares, and that a test can change. From the start metacity's title
-    // bars have no button but the one for closing.
+  if (windowManager.front() != name(WindowManager::Openbox) && windowManager.front() != name(WindowManager::Xfwm4)) {
+    // Settings that every process of the session shares, and that a test can change. From the start the title bars of
+    // metacity and its kin have no button but the one for closing.
     std::replace(environment_.begin(), environment_.end(), std::string("GSETTINGS_BACKEND=memory"),
                  std::string("GSETTINGS_BACKEND=keyfile"));
     arrangeTitleBars("menu:minimize,maximize,close");
@@ -99,17 +102,17 @@ std::unique_ptr<support::ChildProcess> DesktopSession::start(const Arguments& ar
 }
 
 void DesktopSession::restartWindowManager() {
-  const std::string program = name(windowManager_);
   const auto before = x_->property(x_->root(), "_NET_SUPPORTING_WM_CHECK");
-  auto next = start({program, "--replace"}, program + ".log");
+  auto next = start(windowManager_, "window-manager.log");
   const bool ready = x_->waitUntil(
       [&] {
         const auto check = x_->property(x_->root(), "_NET_SUPPORTING_WM_CHECK");
         return !check.empty() && check != before && x_->property(check[0], "_NET_SUPPORTING_WM_CHECK") == check;
       },
       startBound);
-  if (!ready) throw std::runtime_error(program + " did not start");
+  if (!ready) throw std::runtime_error("the window manager did not start: " + home_.read("window-manager.log"));
   windowManagerProcess_ = std::move(next);
+  settle();  // one that has just said who it is may not see a window that comes at once
 }
 
 Window DesktopSession::open(const Arguments& arguments) {
@@ -209,7 +212,7 @@ std::string DesktopSession::ostrelLog() const { return home_.read("ostrel.log");
 std::vector<Window> DesktopSession::decoration(Window window) {
   std::vector<Window> buttons;  // minimise, zoom, close
   const Window top = x_->topLevel(window);
-  if (windowManager_ == WindowManager::Openbox) {
+  if (windowManager_.front() == name(WindowManager::Openbox)) {
     for (const Window child : x_->children(top)) {
       const auto inTitle = x_->children(child);
       if (child != window && inTitle.size() == 12) buttons = {inTitle[11], inTitle[6], inTitle[7]};

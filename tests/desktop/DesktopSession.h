@@ -34,6 +34,8 @@ struct Monitor {
 class DesktopSession {
  public:
   explicit DesktopSession(WindowManager windowManager, int width = 1440, int height = 900);
+  /// With any window manager, which this command starts. Where its buttons are, only the tester knows.
+  explicit DesktopSession(const Arguments& windowManager, int width = 1440, int height = 900);
   ~DesktopSession();
   DesktopSession(const DesktopSession&) = delete;
   DesktopSession& operator=(const DesktopSession&) = delete;
@@ -97,7 +99,7 @@ class DesktopSession {
   std::vector<Window> decoration(Window window);
   Point clientSideButton(Window window, Button button);
 
-  WindowManager windowManager_;
+  const Arguments windowManager_;
   support::TemporaryFolder home_;
   Arguments environment_;
   std::unique_ptr<support::XvfbSession> server_;

@@ -11,7 +11,6 @@ namespace {
 class Learning : public EachWindowManager {
  protected:
   Window open(const std::string& mode = "") {
-    desktop.settle();  // a window manager that has just said who it is may not see a window that comes at once
     return desktop.open({OSTREL_SELF_DRAWN_WINDOW, mode}, startFrame);
   }
 
