@@ -10,9 +10,7 @@ namespace {
 
 class Learning : public EachWindowManager {
  protected:
-  Window open(const std::string& mode = "") {
-    return desktop.open({OSTREL_SELF_DRAWN_WINDOW, mode}, startFrame);
-  }
+  Window open(const std::string& mode = "") { return desktop.open({OSTREL_SELF_DRAWN_WINDOW, mode}, startFrame); }
 
   /// From the right.
   Point at(Window window, int across, int down = 15) {
