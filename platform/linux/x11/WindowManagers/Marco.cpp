@@ -1,4 +1,5 @@
-// Marco draws title bars with themes in a format of its own.
+// Marco draws title bars with themes in a format of its own. How high a title bar is depends on the font of its title,
+// and the buttons grow with it.
 #include <algorithm>
 #include <iterator>
 
@@ -11,25 +12,35 @@ namespace {
 const Setting layoutSetting{Setting::Source::GSettings, "org.mate.Marco.general", "button-layout"};
 const Setting themeSetting{Setting::Source::GSettings, "org.mate.Marco.general", "theme"};
 
-struct Theme {
-  std::string_view name;
-  std::vector<ButtonStrip> strips;
+/// In pixels; all buttons are square, and their side is the height of the title bar less something.
+struct Frame {
+  /// The top is to be added.
+  Extents borders;
+  int fromLeft;
+  int fromRight;
+  int down;
+  int heightLessSide;
+  int gap;
 };
 
-const Theme themes[] = {
-    {"BlackMATE",
-     {{TitleBarState::Normal, {1, 1, 30, 1}, 1, 0, 1, 27, 27, 27},
-      {TitleBarState::HalfMaximized, {1, 1, 30, 1}, 1, 0, 1, 27, 27, 27},
-      {TitleBarState::Maximized, {0, 0, 29, 0}, 0, 0, 1, 26, 26, 26}}},
-    {"Menta",
-     {{TitleBarState::Normal, {1, 1, 29, 1}, 4, 1, 1, 26, 26, 26},
-      {TitleBarState::HalfMaximized, {1, 1, 29, 1}, 4, 1, 1, 26, 26, 26},
-      {TitleBarState::Maximized, {0, 0, 29, 0}, 5, 0, 0, 27, 27, 27}}},
-    {"TraditionalOk",
-     {{TitleBarState::Normal, {4, 4, 25, 4}, 5, 5, 2, 21, 21, 23},
-      {TitleBarState::HalfMaximized, {4, 4, 25, 4}, 5, 5, 2, 21, 21, 23},
-      {TitleBarState::Maximized, {0, 0, 25, 1}, 2, 2, 2, 21, 21, 23}}},
+struct Theme {
+  std::string_view name;
+  Frame normal;
+  Frame maximized;
 };
+
+constexpr Theme themes[] = {
+    {"BlackMATE", {{1, 1, 0, 1}, 1, 0, 1, 3, 0}, {{0, 0, 0, 0}, 0, 0, 1, 3, 0}},
+    {"Menta", {{1, 1, 0, 1}, 4, 1, 1, 3, 0}, {{0, 0, 0, 0}, 5, 0, 0, 2, 0}},
+    {"TraditionalOk", {{4, 4, 0, 4}, 5, 5, 2, 4, 2}, {{0, 0, 0, 1}, 2, 2, 2, 4, 2}},
+};
+
+ButtonStrip stripOf(TitleBarState state, const Frame& frame, int height) {
+  Extents extents = frame.borders;
+  extents.top = height;
+  const int side = height - frame.heightLessSide;
+  return {state, extents, frame.fromLeft, frame.fromRight, frame.down, side, side, side + frame.gap};
+}
 
 std::vector<Setting> settings() { return {layoutSetting, themeSetting}; }
 
@@ -44,7 +55,14 @@ std::optional<Decoration> read(const SettingValues& values) {
   for (auto* side : {&layout->left, &layout->right}) {
     std::replace(side->begin(), side->end(), Slot::OtherButton, Slot::Unknown);
   }
-  return Decoration{themeName + ' ' + layoutText, *layout, theme->strips};
+  Decoration decoration{themeName + ' ' + layoutText, *layout, {}};
+  constexpr int lowest = 20, highest = 50;
+  for (int height = lowest; height <= highest; ++height) {
+    decoration.strips.push_back(stripOf(TitleBarState::Normal, theme->normal, height));
+    decoration.strips.push_back(stripOf(TitleBarState::HalfMaximized, theme->normal, height));
+    decoration.strips.push_back(stripOf(TitleBarState::Maximized, theme->maximized, height));
+  }
+  return decoration;
 }
 
 }  // namespace
