@@ -1,5 +1,7 @@
 # Writes the header OUTPUT with the commit that the program is built from, empty for a release: what the tag vVERSION
 # names, unchanged, or sources without their history. cmake -D VERSION=… -D SOURCE=… -D OUTPUT=… -P Commit.cmake
+cmake_minimum_required(VERSION 3.25)
+
 function(git result)
   execute_process(COMMAND git -C ${SOURCE} ${ARGN} OUTPUT_VARIABLE output RESULT_VARIABLE status ERROR_QUIET
                   OUTPUT_STRIP_TRAILING_WHITESPACE)
