@@ -3,21 +3,19 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QTextDocument>
-#include <QTextLayout>
 #include <cmath>
 
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/TextNative.h"
 #include "platform/linux/qt/ViewWidget.h"
+#include "platform/linux/qt/Words.h"
 
 namespace qt {
 namespace {
 
-constexpr QChar controlSign(0x2303);
-
 struct LabelNative final : TextNative {
   LabelNative(const std::string& initial, bool isWrapping)
-      : content(QString::fromStdString(initial)), wraps(isWrapping) {}
+      : original(QString::fromStdString(initial)), content(inWordsOfThisDesktop(original)), wraps(isWrapping) {}
 
   std::optional<double> naturalWidth() const override {
     if (!width) {
@@ -64,53 +62,17 @@ struct LabelNative final : TextNative {
     const QFont own = qt::font(font);
     painter.setFont(own);
     painter.setPen(qt::color(textColor));
-    if (wraps && content.contains(controlSign)) {
-      paintWithControlSigns(painter, bounds);
-      return;
-    }
     painter.drawText(bounds, textFlags(),
                      truncates() ? QFontMetricsF(own).elidedText(content, Qt::ElideRight, bounds.width()) : content);
   }
 
-  /// Fonts draw the sign of the Control key tiny and high, beside the signs of the other keys: here it is as large as
-  /// they are.
-  void paintWithControlSigns(QPainter& painter, const QRectF& bounds) const {
-    QTextLayout layout(content, painter.font());
-    layout.setTextOption(QTextOption(Qt::Alignment(textFlags()) & Qt::AlignHorizontal_Mask));
-    QList<QTextLayout::FormatRange> hidden;
-    for (qsizetype at = content.indexOf(controlSign); at >= 0; at = content.indexOf(controlSign, at + 1)) {
-      hidden.append({static_cast<int>(at), 1, {}});
-      hidden.back().format.setForeground(Qt::transparent);
-    }
-    layout.setFormats(hidden);
-    const QFontMetricsF metrics(painter.font());
-    double down = 0;
-    layout.beginLayout();
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-      line.setLineWidth(bounds.width());
-      line.setPosition({0, down});
-      down += line.height() + metrics.leading();
-    }
-    layout.endLayout();
-    layout.draw(&painter, bounds.topLeft());
-
-    const double half = metrics.capHeight() * 0.45;
-    painter.setPen(QPen(painter.pen().color(), painter.font().pixelSize() * 0.1));
-    for (const auto& sign : hidden) {
-      const QTextLine line = layout.lineForTextPosition(sign.start);
-      const double x = (line.cursorToX(sign.start) + line.cursorToX(sign.start + 1)) / 2;
-      const QPointF middle = bounds.topLeft() + QPointF(x, line.y() + line.ascent() - half);
-      painter.drawPolyline(QPolygonF{middle + QPointF(-half, half / 2), middle - QPointF(0, half / 2),
-                                     middle + QPointF(half, half / 2)});
-    }
-  }
-
   void setText(const QString& wanted) override {
-    if (std::exchange(content, wanted) == wanted) return;
+    if (std::exchange(original, wanted) == wanted) return;
+    content = inWordsOfThisDesktop(wanted);
     styleChanged();
     notifyAccessible(QAccessible::NameChanged);
   }
-  QString text() const override { return content; }
+  QString text() const override { return original; }
   void styleChanged() override {
     width.reset();
     height.reset();
@@ -127,6 +89,8 @@ struct LabelNative final : TextNative {
     return facts;
   }
 
+  QString original;
+  /// What is shown of it.
   QString content;
   const bool wraps;
   mutable std::optional<double> width;

@@ -6,6 +6,7 @@
 #include "platform/RunLoop.h"
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/ImageNative.h"
+#include "platform/linux/qt/Words.h"
 
 namespace qt {
 namespace {
@@ -33,7 +34,7 @@ MenuWidget::MenuWidget(const ns::Menu& menu, QWidget* parent) : QMenu(parent) {
       addSeparator();
       continue;
     }
-    QString title = QString::fromStdString(item->title());
+    QString title = inWordsOfThisDesktop(QString::fromStdString(item->title()));
     QAction* const action = addAction(title.replace(QLatin1Char('&'), QLatin1String("&&")));
     action->setEnabled(item->isEnabled());
     if (item->image()) action->setIcon(iconOf(*item->image(), text, faint));

@@ -10,6 +10,7 @@
 #include "platform/linux/qt/LayerPainter.h"
 #include "platform/linux/qt/ViewNative.h"
 #include "platform/linux/qt/ViewWidget.h"
+#include "platform/linux/qt/Words.h"
 
 namespace ns {
 namespace {
@@ -196,7 +197,7 @@ void View::setIdentifier(const std::string& identifier) {
 const std::string& View::identifier() const { return native_->identifier; }
 
 void View::setAccessibilityLabel(const std::string& label) {
-  native_->accessibilityLabel = QString::fromStdString(label);
+  native_->accessibilityLabel = qt::inWordsOfThisDesktop(QString::fromStdString(label));
   native_->notifyAccessible(QAccessible::NameChanged);
 }
 

@@ -163,29 +163,6 @@ TEST_F(LooksTest, TextThatIsCutOffIsInAToolTip) {
   EXPECT_EQ(toolTip(), "");
 }
 
-TEST_F(LooksTest, SignOfTheControlKeyIsAsLargeAsThoseOfTheOthers) {
-  const auto ink = [](const char* sign) {
-    const auto label = ns::TextField::wrappingLabelWithString(sign);
-    label->setFont(ns::Font::systemFontOfSize(40));
-    const auto holder = std::make_shared<ns::View>(CGRectMake(0, 0, 80, 80));
-    holder->addSubview(label);
-    ns::activate({label->leading() == holder->leading() + 10, label->top() == holder->top() + 10});
-    holder->layoutSubtreeIfNeeded();
-    const QImage picture = holder->native().widget->grab().toImage();
-    QRect found;
-    for (int y = 0; y < picture.height(); ++y) {
-      for (int x = 0; x < picture.width(); ++x) {
-        if (contrast(picture.pixelColor(x, y), picture.pixelColor(0, 0)) > 2) found |= QRect(x, y, 1, 1);
-      }
-    }
-    return found;
-  };
-  const QRect control = ink("⌃");
-  const QRect command = ink("⌘");
-  EXPECT_GE(control.width(), command.width() * 0.85);
-  EXPECT_NEAR(control.center().y(), command.center().y(), 5);
-}
-
 TEST_F(LooksTest, KeyboardIsAtNoOtherTabThanTheChosenOne) {
   const auto tabs = [this] { return allOf<ostrel::SidebarButton>(root()); };
   const auto current = [&] {
