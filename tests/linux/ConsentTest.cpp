@@ -42,6 +42,23 @@ TEST(ConsentTest, OnlyTheRecordOfThisUserGrants) {
   EXPECT_FALSE(consent.isTrusted());
 }
 
+TEST(ConsentTest, APersonIsAskedUntilThereIsAnAnswer) {
+  const support::TemporaryFolder folder;
+  Consent consent(folder / "consent");
+  int questions = 0;
+  consent.setPrompt([&] { ++questions; });
+  consent.promptOnce();
+  consent.promptOnce();
+  EXPECT_EQ(questions, 2) << "the first was left open";
+  for (const bool granted : {false, true, false}) {
+    EXPECT_EQ(consent.set(granted), std::nullopt);
+    consent.promptOnce();
+    EXPECT_EQ(questions, 2);
+  }
+  consent.prompt();
+  EXPECT_EQ(questions, 3) << "when the person wants it";
+}
+
 TEST(ConsentTest, ARecordThatCannotBeWrittenIsReportedInTheSystemsWords) {
   const support::TemporaryFolder folder;
   folder.write("file", "");

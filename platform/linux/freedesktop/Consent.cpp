@@ -14,6 +14,7 @@ namespace freedesktop {
 namespace {
 
 constexpr std::string_view grantedLine = "granted\n";
+constexpr std::string_view refusedLine = "refused\n";
 
 }  // namespace
 
@@ -35,11 +36,10 @@ bool Consent::isTrusted() {
 }
 
 std::optional<std::string> Consent::set(bool granted) {
-  int error = 0;
-  if (granted) {
-    error = replaceFile(path_, grantedLine);
-  } else if (unlink(path_.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR) {
-    error = errno;
+  int error = replaceFile(path_, granted ? grantedLine : refusedLine);
+  // On a full disk a consent can still be taken back: by removing the file.
+  if (!granted && error != 0) {
+    error = unlink(path_.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR ? 0 : errno;
   }
   if (error == 0) return std::nullopt;
   return path_ + ": " + std::strerror(error);
@@ -53,6 +53,10 @@ void Consent::prompt() {
   } else {
     logWarning("Accessibility is not allowed yet; \"ostrel accessibility grant\" allows it");
   }
+}
+
+void Consent::promptOnce() {
+  if (FileStamp::of(path_) == FileStamp{}) prompt();
 }
 
 }  // namespace freedesktop

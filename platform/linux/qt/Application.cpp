@@ -13,6 +13,7 @@
 #include "platform/linux/qt/AccessibleView.h"
 #include "platform/linux/qt/Appearance.h"
 #include "platform/linux/qt/ClickEvents.h"
+#include "platform/linux/qt/Launch.h"
 #include "platform/linux/qt/SessionBus.h"
 #include "platform/linux/qt/TaskBar.h"
 #include "platform/linux/x11/Scale.h"
@@ -22,6 +23,11 @@ namespace {
 
 /// Written to by the handler of the signals that end a program.
 const int signalled = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+
+std::function<void()>& taskAtLaunch() {
+  static std::function<void()> task;
+  return task;
+}
 
 /// What has to be settled before the toolkit starts. A program that mostly sits in the tray loads neither OpenGL nor a
 /// desktop's theme plug-ins, which would bring a second toolkit into the process.
@@ -96,6 +102,7 @@ class QtApplication final : public Application {
         &application_,
         [this] {
           if (const auto delegate = delegate_.lock()) delegate->applicationDidFinishLaunching();
+          if (const auto task = std::exchange(taskAtLaunch(), {})) task();
         },
         Qt::QueuedConnection);
     QApplication::exec();
@@ -142,3 +149,5 @@ std::shared_ptr<Application> Application::sharedApplication() {
 }
 
 }  // namespace ns
+
+void qt::whenLaunched(std::function<void()> task) { ns::taskAtLaunch() = std::move(task); }

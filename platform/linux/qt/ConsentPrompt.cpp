@@ -12,8 +12,10 @@ MessageContent question() {
   MessageContent content;
   content.message = QStringLiteral("“Ostrel” would like to control this computer using accessibility features.");
   content.informative = QStringLiteral(
-      "Ostrel needs this to notice clicks on the title-bar buttons of other applications’ windows, and to move, resize "
-      "and hide those windows. Without it, every click does what it always did.\n\n"
+      "A click on a title bar’s minimize button will center that window, one on its maximize button will let it fill "
+      "the "
+      "screen but for a margin, and the close button will hide the whole application if you turn that on. Without "
+      "access, every click does what it always did.\n\n"
       "“Grant access…” in Ostrel’s settings asks you again, and the command “ostrel accessibility revoke” takes the "
       "access back.");
   content.buttons = {QStringLiteral("Allow"), QStringLiteral("Don’t Allow")};

@@ -6,6 +6,7 @@
 #include "platform/linux/qt/ConsentPrompt.h"
 #include "platform/linux/qt/Icons.h"
 #include "platform/linux/qt/ImageNative.h"
+#include "platform/linux/qt/Launch.h"
 #include "platform/linux/qt/MessageDialog.h"
 
 namespace qt {
@@ -27,5 +28,6 @@ void showOpeningFailure(const std::string& url, const std::string& reason) {
 void qt::joinSession() {
   freedesktop::setIconLoader([](const std::string& name) { return imageWithIcon(applicationIcon(name)); });
   freedesktop::Consent::shared().setPrompt(showConsentPrompt);
+  whenLaunched([] { freedesktop::Consent::shared().promptOnce(); });
   freedesktop::setOpeningFailure(showOpeningFailure);
 }
