@@ -28,10 +28,13 @@ Without a command Ostrel starts; if it runs already, its settings open.
   displays                                    the displays and their margins, as JSON
   buttons                                     what is known of each window's buttons, and where from
   buttons forget [NAME]                       forget what clicks taught about NAME's title bars, or all
-  doctor                                      what Ostrel sees of this desktop
+  doctor                                      what Ostrel sees of this desktop, and what is missing
   --version                                   the version, and the commit when it is not a release
   --help                                      this text
 )";
+
+/// What the controller calls it when the system refuses the event tap.
+constexpr std::string_view tapRefused = "event tap could not start";
 
 std::string versionText() {
   const auto version = ns::Bundle::mainBundle()->objectForInfoDictionaryKey("CFBundleShortVersionString");
@@ -129,18 +132,30 @@ int diagnose() {
   const auto append = [&](const std::vector<ns::DiagnosticLine>& more) {
     lines.insert(lines.end(), more.begin(), more.end());
   };
-  append({{"Consent", ns::isAccessibilityGranted() ? "granted" : "missing (ostrel accessibility grant)"}});
+  std::vector<ns::DiagnosticLine> lacks;
+  const bool isGranted = ns::isAccessibilityGranted();
+  append({{"Consent", isGranted ? "granted" : "missing"}});
+  if (!isGranted) {
+    lacks.push_back({"Ostrel may not handle clicks",
+                     "allow it with \"ostrel accessibility grant\" or \"Grant access…\" in the settings"});
+  }
   const ns::InstanceReply reply = ns::askRunningInstance(statusRequest);
   switch (reply.status) {
     case ns::InstanceReply::Status::NotRunning:
       append({{"Ostrel", "not running"}});
+      lacks.push_back({"Ostrel is not running", "start it from the menu or with \"ostrel\""});
       break;
     case ns::InstanceReply::Status::Silent:
       append({{"Ostrel", "running, but it does not answer"}});
+      lacks.push_back({"Ostrel does not answer", "end its process and start it anew"});
       break;
     case ns::InstanceReply::Status::Answered:
       append({{"Ostrel", "running"}});
       append(answeredLines(reply.text));
+      if (isGranted && reply.text.find(tapRefused) != std::string::npos) {
+        lacks.push_back({"another program takes all presses of the mouse button for itself",
+                         "quit that program; Ostrel tries again every two seconds"});
+      }
       break;
   }
   const auto reason = ns::desktopUnavailableReason();
@@ -149,7 +164,13 @@ int diagnose() {
   }
   std::cout << versionText() << "\n\n";
   print(lines);
-  return reason ? fail(*reason) : 0;
+  const auto more = ns::desktopLacks();
+  lacks.insert(lacks.end(), more.begin(), more.end());
+  std::cout << '\n';
+  for (const auto& [lack, remedy] : lacks) std::cout << "Missing: " << withoutControls(lack) << ": " << remedy << ".\n";
+  if (reason) return fail(*reason);
+  if (lacks.empty()) std::cout << "Nothing is missing.\n";
+  return lacks.empty() ? 0 : 1;
 }
 
 /// Leaves out what desktops, session managers and debuggers add to the command line of any program that they start: it

@@ -29,6 +29,11 @@ std::vector<DiagnosticLine> titleBarButtonDiagnostics();
 /// learned. Needs a desktop. Main thread only.
 std::optional<std::size_t> forgetTitleBarButtons(std::string_view painter);
 
+/// What this session lacks for the program to work in all of it: each with its remedy as the value, in words for the
+/// person. Without a desktop nothing, for then desktopUnavailableReason tells it all. May wait a second for the
+/// session's other programs. Main thread only.
+std::vector<DiagnosticLine> desktopLacks();
+
 /// Why the program cannot work in this session, in words for the person; none when it can. To be asked before
 /// anything else of the desktop is used. Main thread only.
 std::optional<std::string> desktopUnavailableReason();

@@ -15,6 +15,8 @@ std::vector<DiagnosticLine> titleBarButtonDiagnostics() {
 
 std::optional<std::size_t> forgetTitleBarButtons(std::string_view) { return std::nullopt; }
 
+std::vector<DiagnosticLine> desktopLacks() { return {}; }
+
 std::optional<std::string> desktopUnavailableReason() { return std::nullopt; }
 
 }  // namespace ns

@@ -83,29 +83,29 @@ TEST_F(SettingsTest, SwitchesDecideWhatTheNextClickDoes) {
   const Window window = openTerminal();
   openSettings();
 
-  flip("Yellow button centers the window", false);
+  flip("Minimize button centers the window", false);
   desktop.click(window, Button::Minimise);
   expectNativeMinimise(window, startFrame);
-  flip("Yellow button centers the window", true);
+  flip("Minimize button centers the window", true);
   desktop.click(window, Button::Minimise);
   EXPECT_TRUE(reaches(window, centred(window, 0, 1920)));
   desktop.place(window, otherFrame);
 
-  flip("Green button fills the screen", false);
+  flip("Maximize button fills the screen", false);
   desktop.click(window, Button::Zoom);
   EXPECT_TRUE(happens([&] { return x.isMaximised(window); }));
   desktop.click(window, Button::Zoom);
   EXPECT_TRUE(happens([&] { return !x.isMaximised(window); }));
-  flip("Green button fills the screen", true);
+  flip("Maximize button fills the screen", true);
   desktop.click(window, Button::Zoom);
   EXPECT_TRUE(reaches(window, {32, 56, 1856, 812}));
   desktop.place(window, startFrame);
 
-  flip("Red button hides the app", true);
+  flip("Close button hides the app", true);
   desktop.click(window, Button::Close);
   EXPECT_TRUE(happens([&] { return x.isIconic(window); }));
   bringBack(window);
-  flip("Red button hides the app", false);
+  flip("Close button hides the app", false);
   desktop.click(window, Button::Close);
   EXPECT_TRUE(happens([&] { return !x.frame(window); }));
 }
@@ -198,8 +198,8 @@ TEST_F(SettingsTest, AssistiveTechnologyReadsAndUsesEveryControl) {
   EXPECT_TRUE(tool.press("push button", "Cancel"));
   shows("About", {"link ostrel.example"});
 
-  const std::string titles[] = {"Open at login", "Yellow button centers the window", "Green button fills the screen",
-                                "Red button hides the app"};
+  const std::string titles[] = {"Open at login", "Minimize button centers the window",
+                                "Maximize button fills the screen", "Close button hides the app"};
   std::vector<std::string> switches;
   for (const std::string& title : titles) switches.push_back("check box " + title);
   shows("General", switches);
@@ -257,6 +257,9 @@ TEST_F(SettingsTest, APanelOnTheSessionBusShowsTheIcon) {
                            "string:RegisteredStatusNotifierItems"};
   const std::string item = "org.kde.StatusNotifierItem-" + std::to_string(desktop.ostrel().pid());
   EXPECT_TRUE(happens([&] { return desktop.command(question).output.find(item) != std::string::npos; }));
+  const CommandResult doctor = desktop.ostrelCommand({"doctor"});
+  EXPECT_EQ(doctor.status, 0) << doctor.output;
+  EXPECT_NE(doctor.output.find("\n\nNothing is missing.\n"), std::string::npos) << doctor.output;
   // What is embedded here is the panel's own row of icons: slimmer than one icon while there is none.
   const auto row = [&] {
     const auto place = x.trayIcon();

@@ -190,6 +190,38 @@ TEST_F(ProgramOnDesktopTest, LaterStartsTalkToTheRunningInstance) {
   EXPECT_TRUE(doctorComesToSay("not running"));
 }
 
+TEST_F(ProgramOnDesktopTest, DiagnosisEndsWithWhatIsMissing) {
+  const auto missing = [&](const std::string& extraEnvironment = {}) {
+    const Result result = run("doctor", extraEnvironment);
+    EXPECT_EQ(result.status, 1);
+    const auto first = result.output.find("\n\nMissing: ");
+    return first == std::string::npos ? "nothing" : result.output.substr(first + 2);
+  };
+  const std::string all = missing("WAYLAND_DISPLAY=wayland-0");
+  for (const char* lack :
+       {"may not handle clicks: allow", "not running: start", "Wayland session", "no window manager", "no panel"}) {
+    EXPECT_NE(all.find(lack), std::string::npos) << lack << " in " << all;
+  }
+  EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 5) << all;
+
+  ASSERT_EQ(run("accessibility grant").status, 0);
+  const support::ChildProcess instance({OSTREL_PROGRAM}, environment());
+  ASSERT_TRUE(doctorComesToSay("installed\n"));
+  EXPECT_EQ(missing().find("Ostrel"), missing().rfind("Ostrel"))
+      << "only where it speaks of the panel's item: " << missing();
+  // One that has another runtime folder knows nothing of the first, which has the mouse.
+  std::filesystem::create_directory(folder / "runtime");
+  std::filesystem::permissions(folder / "runtime", std::filesystem::perms::owner_all);
+  auto other = environment();
+  const std::string runtime = "XDG_RUNTIME_DIR=" + folder / "runtime";
+  other.push_back(runtime);
+  const support::ChildProcess second({OSTREL_PROGRAM}, other);
+  const auto deadline = std::chrono::steady_clock::now() + support::patience;
+  while (missing(runtime).find("another program takes") == std::string::npos) {
+    ASSERT_LT(std::chrono::steady_clock::now(), deadline) << missing(runtime);
+  }
+}
+
 TEST_F(ProgramOnDesktopTest, StartsNoBusOfItsOwn) {
   support::ChildProcess instance({"env", "-u", "DBUS_SESSION_BUS_ADDRESS", OSTREL_PROGRAM}, environment());
   ASSERT_TRUE(doctorComesToSay("waiting for Accessibility"));

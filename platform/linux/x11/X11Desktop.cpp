@@ -8,7 +8,6 @@
 
 #include "platform/Diagnostics.h"
 #include "platform/RunLoop.h"
-#include "platform/linux/freedesktop/BaseFolders.h"
 #include "platform/linux/freedesktop/Consent.h"
 #include "platform/linux/freedesktop/JSONUserDefaults.h"
 #include "platform/linux/x11/DecorationLayout.h"
@@ -59,7 +58,7 @@ X11Desktop::X11Desktop(Connections connections, double scale, std::function<void
       applications_(tracker_, identity_),
       placement_(std::move(connections.placement)),
       drawnButtons_(
-          *connection_, tracker_, scale, freedesktop::stateHome() + "/ostrel/title-bars.json",
+          *connection_, tracker_, scale, ButtonBook::userFile(),
           [this] { return hasUsualDecorationLayout(*connection_); },
           [this](const PassedPress& press, ButtonRole role) { makeGood(press, role); }),
       elements_(

@@ -4,6 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "platform/linux/freedesktop/BaseFolders.h"
+
 namespace x11 {
 
 namespace {
@@ -79,6 +81,8 @@ std::optional<Observation> observationFrom(const Json& json) {
 }
 
 }  // namespace
+
+std::string ButtonBook::userFile() { return freedesktop::stateHome() + "/ostrel/title-bars.json"; }
 
 std::optional<ButtonBook> ButtonBook::parse(std::string_view text) {
   if (text.size() > largestText) return std::nullopt;

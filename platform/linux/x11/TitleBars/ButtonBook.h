@@ -19,6 +19,8 @@ class ButtonBook {
   /// A kind too many puts out the one that was longest without news.
   static constexpr std::size_t mostKinds = 400;
 
+  /// Where the user's book lasts.
+  static std::string userFile();
   /// What a book on disk says; none when it is no such text. What lies outside any title bar is left out.
   static std::optional<ButtonBook> parse(std::string_view text);
   std::string text() const;
