@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -220,6 +224,47 @@ TEST_F(ProgramOnDesktopTest, DiagnosisEndsWithWhatIsMissing) {
   while (missing(runtime).find("another program takes") == std::string::npos) {
     ASSERT_LT(std::chrono::steady_clock::now(), deadline) << missing(runtime);
   }
+}
+
+TEST_F(ProgramOnDesktopTest, TellsAServiceManagerWhenItIsReady) {
+  const std::string path = folder / "notify";
+  const int manager = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::strcpy(address.sun_path, path.c_str());
+  ASSERT_EQ(bind(manager, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  const timeval patience{.tv_sec = std::chrono::seconds(support::patience).count(), .tv_usec = 0};
+  setsockopt(manager, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  auto variables = environment();
+  variables.push_back("NOTIFY_SOCKET=" + path);
+  support::ChildProcess instance({OSTREL_PROGRAM}, variables);
+  char message[64]{};
+  EXPECT_EQ(recv(manager, message, sizeof message - 1, 0), 7);
+  EXPECT_STREQ(message, "READY=1");
+  EXPECT_NE(run("doctor").output.find("waiting for Accessibility"), std::string::npos) << "ready is ready";
+  instance.signal(SIGTERM);
+  EXPECT_EQ(instance.waitForExit(support::patience), 0);
+  close(manager);
+}
+
+TEST_F(ProgramOnDesktopTest, KeepsToItselfWhatItStoresAndOpensNoConnection) {
+  ASSERT_EQ(run("accessibility grant").status, 0);
+  const std::string calls = folder / "calls";
+  support::ChildProcess instance({"strace", "-f", "-e", "trace=socket", "-o", calls, OSTREL_PROGRAM}, environment());
+  ASSERT_TRUE(doctorComesToSay("installed\n"));
+  ASSERT_EQ(run("settings displays").status, 0);
+  int stored = 0;
+  for (const auto& item : std::filesystem::recursive_directory_iterator(folder.path())) {
+    if (!item.is_regular_file() || item.path() == calls) continue;
+    ++stored;
+    using std::filesystem::perms;
+    EXPECT_EQ(item.status().permissions() & (perms::group_all | perms::others_all), perms::none) << item.path();
+  }
+  EXPECT_GE(stored, 2) << "the consent and the claim on the session";
+  instance.signal(SIGKILL);
+  const std::string log = folder.read("calls");
+  EXPECT_NE(log.find("AF_UNIX"), std::string::npos) << log;
+  EXPECT_EQ(log.find("AF_INET"), std::string::npos) << log;
 }
 
 TEST_F(ProgramOnDesktopTest, StartsNoBusOfItsOwn) {

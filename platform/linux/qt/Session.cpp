@@ -3,6 +3,7 @@
 #include "platform/linux/freedesktop/Consent.h"
 #include "platform/linux/freedesktop/IconLoader.h"
 #include "platform/linux/freedesktop/LinuxWorkspace.h"
+#include "platform/linux/freedesktop/ServiceManager.h"
 #include "platform/linux/qt/ConsentPrompt.h"
 #include "platform/linux/qt/Icons.h"
 #include "platform/linux/qt/ImageNative.h"
@@ -28,6 +29,9 @@ void showOpeningFailure(const std::string& url, const std::string& reason) {
 void qt::joinSession() {
   freedesktop::setIconLoader([](const std::string& name) { return imageWithIcon(applicationIcon(name)); });
   freedesktop::Consent::shared().setPrompt(showConsentPrompt);
-  whenLaunched([] { freedesktop::Consent::shared().promptOnce(); });
+  whenLaunched([] {
+    freedesktop::tellServiceManagerOfReadiness();
+    freedesktop::Consent::shared().promptOnce();
+  });
   freedesktop::setOpeningFailure(showOpeningFailure);
 }
