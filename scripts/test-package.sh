@@ -137,20 +137,22 @@ comes_true "nothing is missing" is_ready
 
 # A click.
 parent() { as_user xwininfo -tree -id "$1" | sed -n 's/.*Parent window id: \(0x[0-9a-f]*\).*/\1/p'; }
-# The middle of the second button from the right: maximise. Its windows stand in a row, all of one height.
+# The middle of the second button from the right: maximise. The corners are smaller than buttons.
 maximise_button() {
   as_user xwininfo -tree -id "$(parent "$terminal")" |
     sed -n 's/.*: ()  \([0-9]*\)x\([0-9]*\)+[0-9-]*+[0-9-]*  +\([0-9]*\)+\([0-9]*\)$/\3 \4 \1 \2/p' |
-    awk '$3 > 8 && $3 < 40 && $4 > 8 && $4 < 40 { print $1 + int($3 / 2), $2 + int($4 / 2) }' | sort -n | tail -n 2 | head -n 1
+    awk '$3 > 16 && $3 < 40 && $4 > 16 && $4 < 40 { print $1 + int($3 / 2), $2 + int($4 / 2) }' | sort -n | tail -n 2 | head -n 1
 }
 frame() { as_user xwininfo -frame -id "$terminal" | awk -F: '/Absolute|Width|Height/ { printf "%d ", $2 }'; }
-fills() { [ "$(frame)" = "32 56 1336 812 " ]; }
+fills() { frame | tee "$scratch/frame.log" | grep -qx '32 56 1336 812 '; }
 click_maximise() {
   as_user xdotool windowsize --sync "$terminal" 500 300 windowmove "$terminal" 300 200
   is_placed() { [[ "$(frame)" == "3"*" 2"* ]]; }
   comes_true "the window is elsewhere" is_placed
-  as_user xdotool mousemove $(maximise_button) click 1
-  comes_true "a click on maximise fills the display less its margins" fills
+  place=$(maximise_button)
+  [ -n "$place" ] || die "no maximise button: $(as_user xwininfo -tree -id "$(parent "$terminal")")"
+  as_user xdotool mousemove $place click 1
+  comes_true "a click on maximise, at $place, fills the display less its margins" fills
 }
 click_maximise
 
