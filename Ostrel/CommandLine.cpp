@@ -155,6 +155,8 @@ int diagnose() {
       if (isGranted && reply.text.find(tapRefused) != std::string::npos) {
         lacks.push_back({"another program takes all presses of the mouse button for itself",
                          "quit that program; Ostrel tries again every two seconds"});
+      } else if (isGranted && reply.text.find("not installed") != std::string::npos) {
+        lacks.push_back({"Ostrel does not handle clicks yet", "it begins within two seconds of your consent"});
       }
       break;
   }

@@ -132,7 +132,7 @@ passed "it does not ask again"
 doctor >"$scratch/doctor" && die "the diagnosis says that nothing is missing"
 grep '^Missing: ' "$scratch/doctor"
 as_user ostrel accessibility grant
-is_ready() { [ "$(doctor | tail -n 1)" = "Nothing is missing." ]; }
+is_ready() { doctor >"$scratch/doctor" && grep -q '^Event tap  *installed$' "$scratch/doctor"; }
 comes_true "nothing is missing" is_ready
 
 # A click.
@@ -143,7 +143,7 @@ maximise_button() {
     sed -n 's/.*: ()  \([0-9]*\)x\([0-9]*\)+[0-9-]*+[0-9-]*  +\([0-9]*\)+\([0-9]*\)$/\3 \4 \1 \2/p' |
     awk '$3 > 16 && $3 < 40 && $4 > 16 && $4 < 40 { print $1 + int($3 / 2), $2 + int($4 / 2) }' | sort -n | tail -n 2 | head -n 1
 }
-frame() { as_user xwininfo -frame -id "$terminal" | awk -F: '/Absolute|Width|Height/ { printf "%d ", $2 }'; }
+frame() { as_user xwininfo -id "$(parent "$terminal")" | awk -F: '/Absolute|Width|Height/ { printf "%d ", $2 }'; }
 fills() { frame | tee "$scratch/frame.log" | grep -qx '32 56 1336 812 '; }
 click_maximise() {
   as_user xdotool windowsize --sync "$terminal" 500 300 windowmove "$terminal" 300 200
