@@ -12,10 +12,14 @@
 
 namespace bench {
 
+/// Unmanaged: nobody but the server is concerned with the window. Decorated: with a frame by the window manager. Bare:
+/// managed, but its program is supposed to draw the title bar.
+enum class TargetKind { Unmanaged, Decorated, Bare };
+
 class ClickTarget {
  public:
-  /// `managed`: with a frame by the window manager; otherwise nobody but the server is concerned with it. Throws.
-  ClickTarget(const std::string& display, bool managed);
+  /// Of the class "Target". Throws.
+  ClickTarget(const std::string& display, TargetKind kind);
 
   xcb_window_t window() const { return window_; }
   /// Sends one event as if from the hardware. Returns the time just before.
