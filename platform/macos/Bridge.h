@@ -50,4 +50,6 @@ inline void callBack(const std::function<void()>& function) noexcept {
 @interface OstrelTarget : NSObject
 - (instancetype)initWithAction:(std::function<void()>)action;
 - (void)callClosure:(id)sender;
+/// That of controls and menu items whose target this is.
++ (SEL)action;
 @end

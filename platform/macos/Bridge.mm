@@ -51,6 +51,10 @@ PropertyList fromPropertyListObject(id object) {
   return self;
 }
 
++ (SEL)action {
+  return @selector(callClosure:);
+}
+
 - (void)callClosure:(id)sender {
   // The action may release what holds the closure, this target, and the control, which then still has a press to
   // finish: all of them stay until the run loop's next pass.

@@ -119,7 +119,7 @@ void Control::setAction(std::function<void()> action) {
   native().target = target;
   auto* control = nativeView<NSControl>(*this);
   control.target = target;
-  control.action = @selector(callClosure:);
+  control.action = OstrelTarget.action;
 }
 
 // --- TextField ------------------------------------------------------------------------------------------------------

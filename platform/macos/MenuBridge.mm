@@ -6,7 +6,7 @@
 static NSMenuItem* makeItem(const std::shared_ptr<ns::MenuItem>& item) {
   if (item->isSeparator()) return [NSMenuItem separatorItem];
   NSMenuItem* nativeItem = [[NSMenuItem alloc] initWithTitle:ns::toNSString(item->title())
-                                                      action:@selector(callClosure:)
+                                                      action:OstrelTarget.action
                                                keyEquivalent:ns::toNSString(item->keyEquivalent())];
   OstrelTarget* target = [[OstrelTarget alloc] initWithAction:[item] { item->performAction(); }];
   nativeItem.target = target;

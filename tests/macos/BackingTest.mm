@@ -40,7 +40,7 @@ TEST(TargetTest, AControlMayBeReleasedByItsOwnAction) {
     }];
     seen = button;
     button.target = target;
-    button.action = @selector(callClosure:);
+    button.action = OstrelTarget.action;
     __unsafe_unretained OstrelTarget* const called = target;
     [called callClosure:button];
     EXPECT_TRUE(button == nil);
