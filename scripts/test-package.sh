@@ -14,9 +14,9 @@ package=$scratch/ostrel.deb
 export DEBIAN_FRONTEND=noninteractive
 
 passed() { printf 'ok   %s\n' "$*"; }
-# comes_true WHAT COMMAND...: once the command succeeds, within 30 s.
+# comes_true WHAT COMMAND...: once the command succeeds, within a minute.
 comes_true() {
-  local what=$1 deadline=$((SECONDS + 30))
+  local what=$1 deadline=$((SECONDS + 60))
   shift
   until "$@" >/dev/null 2>&1; do
     if [ $SECONDS -ge $deadline ]; then
