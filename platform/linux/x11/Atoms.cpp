@@ -19,6 +19,7 @@ constexpr std::pair<xcb_atom_t Atoms::*, std::string_view> names[] = {
     {&Atoms::netCurrentDesktop, "_NET_CURRENT_DESKTOP"},
     {&Atoms::netFrameExtents, "_NET_FRAME_EXTENTS"},
     {&Atoms::netMoveresizeWindow, "_NET_MOVERESIZE_WINDOW"},
+    {&Atoms::netSupported, "_NET_SUPPORTED"},
     {&Atoms::netSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK"},
     {&Atoms::netWmActionClose, "_NET_WM_ACTION_CLOSE"},
     {&Atoms::netWmActionMaximizeHorz, "_NET_WM_ACTION_MAXIMIZE_HORZ"},

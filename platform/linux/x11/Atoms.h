@@ -21,6 +21,7 @@ struct Atoms {
   xcb_atom_t netCurrentDesktop = 0;
   xcb_atom_t netFrameExtents = 0;
   xcb_atom_t netMoveresizeWindow = 0;
+  xcb_atom_t netSupported = 0;
   xcb_atom_t netSupportingWmCheck = 0;
   xcb_atom_t netWmActionClose = 0;
   xcb_atom_t netWmActionMaximizeHorz = 0;

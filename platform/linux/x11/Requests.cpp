@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/linux/x11/Properties.h"
+
 namespace x11 {
 
 namespace {
@@ -23,9 +25,24 @@ void sendToWindowManager(const Connection& connection, xcb_window_t window, xcb_
                  reinterpret_cast<const char*>(&message));
 }
 
+bool isSupported(const Connection& connection, const Atoms& atoms, xcb_atom_t message) {
+  const auto supported = readItems(connection, connection.root(), atoms.netSupported);
+  return supported.empty() || std::find(supported.begin(), supported.end(), message) != supported.end();
+}
+
 }  // namespace
 
 void requestMoveResize(const Connection& connection, const Atoms& atoms, xcb_window_t client, const Rect& request) {
+  if (!isSupported(connection, atoms, atoms.netMoveresizeWindow)) {
+    // Window Maker does not know the message. It understands this, as all do, but by the window's own gravity.
+    const std::uint32_t place[] = {static_cast<std::uint32_t>(request.x), static_cast<std::uint32_t>(request.y),
+                                   static_cast<std::uint32_t>(std::max(request.width, 1)),
+                                   static_cast<std::uint32_t>(std::max(request.height, 1))};
+    constexpr std::uint16_t all =
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
+    xcb_configure_window(connection.get(), client, all, place);
+    return;
+  }
   // Always all four values and always this gravity: with x alone several window managers shift y, and with the window's
   // own gravity some toolkits' windows land off by the decoration.
   constexpr std::uint32_t allFour = 0xf << 8;

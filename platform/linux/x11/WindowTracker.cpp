@@ -6,6 +6,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/linux/freedesktop/Files.h"
 #include "platform/linux/x11/Properties.h"
 
 namespace x11 {
@@ -198,6 +199,11 @@ void WindowTracker::refreshWindowManager() {
       manager.name =
           propertyText(receiveProperty(*connection_, requestProperty(*connection_, window, atoms_.netWmName)));
       manager.pid = processOfWindow(*connection_, atoms_, window);
+      // Window Maker has no name for itself.
+      const std::string program = "/proc/" + std::to_string(manager.pid);
+      if (manager.name.empty() && freedesktop::executableOf(program).ends_with("/wmaker")) {
+        manager.name = "Window Maker";
+      }
     }
   }
   checkWindow_ = window;

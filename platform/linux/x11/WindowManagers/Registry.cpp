@@ -16,10 +16,7 @@ struct Entry {
 };
 
 constexpr Entry<WindowManager> withButtonWindows[] = {
-    {"Openbox", openbox},
-    {"Xfwm4", xfwm4},
-    {"Fluxbox", fluxbox},
-    {"IceWM", iceWM},
+    {"Openbox", openbox}, {"Xfwm4", xfwm4}, {"Fluxbox", fluxbox}, {"IceWM", iceWM}, {"Window Maker", windowMaker},
 };
 
 constexpr Entry<DrawnDecoration> withDrawnButtons[] = {

@@ -54,5 +54,6 @@ const WindowManager& openbox();
 const WindowManager& xfwm4();
 const WindowManager& fluxbox();
 const WindowManager& iceWM();
+const WindowManager& windowMaker();
 
 }  // namespace x11
