@@ -43,6 +43,7 @@ class Session {
     setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
     setenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + folder_ / "session").c_str(), 1);
     setenv("GSETTINGS_BACKEND", "memory", 1);
+    setenv("GIO_USE_VFS", "local", 1);  // else, where gvfs is installed, the window manager ends with its first bus
     setenv("LC_ALL", "C.UTF-8", 1);
     for (const char* name : {"LANGUAGE", "AT_SPI_BUS_ADDRESS", "WAYLAND_DISPLAY", "NO_AT_BRIDGE", "GTK_THEME"})
       unsetenv(name);
