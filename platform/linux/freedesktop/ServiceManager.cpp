@@ -25,6 +25,7 @@ void tellServiceManagerOfReadiness() {
   if (name.front() == '@') address.sun_path[0] = '\0';  // a name that is no file's
   const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
   const Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+  if (!socket) return;
   constexpr std::string_view message = "READY=1";
   sendto(socket.get(), message.data(), message.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&address),
          length);
