@@ -37,6 +37,9 @@ count=$(wc -w <<<"$more")
 [ "$count" -le 25 ] || die "$count packages beyond a plain Xfce desktop:" $more
 passed "$count packages beyond a plain Xfce desktop, itself included:" $more
 
+# Whatever bears the name on the system, but for places that come and go.
+named() { find / -xdev -iname '*ostrel*' -not -path '/tmp/*' -not -path '/proc/*' -not -path '/var/cache/apt/*' | sort; }
+named_before=$(named)
 before=$(dpkg-query -W | wc -l)
 install "$package"
 passed "apt install, $(($(dpkg-query -W | wc -l) - before)) packages on this bare system"
@@ -191,9 +194,8 @@ mapfile -t files < <(dpkg -L ostrel)
 remains() {
   local file
   for file in "${files[@]}"; do [ -d "$file" ] || [ ! -e "$file" ] || echo "$file"; done
-  find / -xdev -iname '*ostrel*' -not -path "$home*" -not -path "$scratch*" -not -path '/tmp/*' -not -path '/proc/*' \
-    -not -path "$PWD/*" -not -path '/root/*' -not -path "/var/mail/$user" -not -path "/var/lib/dpkg/info/ostrel.list" \
-    -not -path '/var/cache/apt/*' -not -path '/source.git/*' -not -path "$PWD"
+  # Mail goes with the person, the list with the purge.
+  comm -13 <(echo "$named_before") <(named) | grep -vE "^($home|$scratch|/var/mail/$user|/var/lib/dpkg/info/ostrel\.list)" || true
 }
 apt-get remove -q -y ostrel >/dev/null
 [ -z "$(remains)" ] || die "removing leaves" $(remains)
