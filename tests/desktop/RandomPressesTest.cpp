@@ -55,7 +55,6 @@ class RandomPresses : public EachWindowManager {
     return {20 + 475 * (number % 3), 20 + 440 * (number / 3), 450, 400};
   }
   Target& add(const Arguments& arguments, int band = 64) {
-    desktop.settle();  // a window manager that has just said who it is may not see a window that comes at once
     const Window window = desktop.open(arguments, nextFrame());
     targets.push_back({window, x.frame(window).value_or(Frame{}), band, {}, {}});
     return targets.back();
@@ -184,7 +183,6 @@ TEST_P(RandomPresses, OnNoButtonOfAGtkTitleBarAllArrive) {
 }
 
 TEST_P(RandomPresses, OnTheRimOfAButtonAllArrive) {
-  desktop.settle();
   const Window window = desktop.open({OSTREL_SELF_DRAWN_WINDOW, "chromium"}, startFrame);
   desktop.startOstrel();
   int round = 0;

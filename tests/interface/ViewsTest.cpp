@@ -4,7 +4,7 @@
 #include "platform/Containers.h"
 #include "platform/Controls.h"
 #include "platform/Window.h"
-#include "tests/interface/Finding.h"
+#include "tests/interface/ViewTree.h"
 
 namespace {
 
@@ -14,27 +14,10 @@ using ns::StackAlignment;
 constexpr const char* longText =
     "A sentence that is long enough to need several lines in a column of this width, whatever the font.";
 
-std::shared_ptr<ns::View> box(double width, double height) {
-  auto view = std::make_shared<ns::View>();
-  ns::activate({view->width() == width, view->height() == height});
-  return view;
-}
-
-class ViewsTest : public testing::Test {
+class ViewsTest : public ViewTree {
  protected:
   ViewsTest() { window.setContentView(root); }
 
-  CGRect laidOut(ns::View& view) {
-    root->layoutSubtreeIfNeeded();
-    return placeIn(*root, view);
-  }
-  template <typename Type>
-  std::shared_ptr<Type> adopt(std::shared_ptr<Type> view) {
-    root->addSubview(view);
-    return view;
-  }
-
-  std::shared_ptr<ns::View> root = std::make_shared<ns::View>(CGRectMake(0, 0, 300, 200));
   /// Not on the screen.
   ns::Window window{CGRectMake(0, 0, 300, 200), ns::WindowStyleMaskTitled};
 };

@@ -6,30 +6,13 @@
 
 #include "tests/interface/Fixture.h"
 #include "tests/interface/Person.h"
+#include "tests/interface/ViewTree.h"
 
 namespace {
 
-std::shared_ptr<ns::View> box(double width, double height) {
-  auto view = std::make_shared<ns::View>();
-  ns::activate({view->width() == width, view->height() == height});
-  return view;
-}
-
-class LayoutTest : public testing::Test {
+class LayoutTest : public ViewTree {
  protected:
   ~LayoutTest() override { QGuiApplication::setLayoutDirection(Qt::LeftToRight); }
-
-  CGRect laidOut(ns::View& view) {
-    root->layoutSubtreeIfNeeded();
-    return placeIn(*root, view);
-  }
-  template <typename Type>
-  std::shared_ptr<Type> adopt(std::shared_ptr<Type> view) {
-    root->addSubview(view);
-    return view;
-  }
-
-  std::shared_ptr<ns::View> root = std::make_shared<ns::View>(CGRectMake(0, 0, 300, 200));
 };
 
 TEST_F(LayoutTest, LeadingAndTrailingMirrorWhereOneWritesFromRightToLeft) {
